@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+
+#include "kits/app/LooperCore.h"
+
+#include <algorithm>
+#include <chrono>
+#include <shared_mutex>
+
+namespace BPrivate {
+
+bool
+LooperCore::Post(std::unique_ptr<BMessage> message)
+{
+	{
+		std::lock_guard lock(fQueueMutex);
+		if (fClosed)
+			return false;
+		fQueue.push_back(std::move(message));
+		// A loop that is busy looks into its queue before it waits: no need to wake it.
+		if (!fWaiting)
+			return true;
+	}
+	fQueueChanged.notify_one();
+	return true;
+}
+
+void
+LooperCore::Wake()
+{
+	{
+		std::lock_guard lock(fQueueMutex);
+		fWoken = true;
+	}
+	fQueueChanged.notify_one();
+}
+
+std::unique_ptr<BMessage>
+LooperCore::Next(bigtime_t deadline)
+{
+	std::unique_lock lock(fQueueMutex);
+	auto ready = [this] { return !fQueue.empty() || fWoken; };
+	if (!ready()) {
+		fWaiting = true;
+		if (deadline == B_INFINITE_TIMEOUT)
+			fQueueChanged.wait(lock, ready);
+		else {
+			// system_time() and the steady clock are the same clock.
+			std::chrono::steady_clock::time_point until{std::chrono::microseconds(deadline)};
+			fQueueChanged.wait_until(lock, until, ready);
+		}
+		fWaiting = false;
+	}
+	if (fWoken || fQueue.empty()) {
+		fWoken = false;
+		return nullptr;
+	}
+	std::unique_ptr<BMessage> message = std::move(fQueue.front());
+	fQueue.pop_front();
+	return message;
+}
+
+bool
+LooperCore::QueueIsEmpty() const
+{
+	std::lock_guard lock(fQueueMutex);
+	return fQueue.empty();
+}
+
+std::unique_ptr<BMessage>
+LooperCore::TakeFirst(const std::function<bool(const BMessage&)>& wanted)
+{
+	std::lock_guard lock(fQueueMutex);
+	auto found = std::find_if(
+		fQueue.begin(), fQueue.end(), [&](const auto& message) { return wanted(*message); });
+	if (found == fQueue.end())
+		return nullptr;
+	std::unique_ptr<BMessage> message = std::move(*found);
+	fQueue.erase(found);
+	return message;
+}
+
+void
+LooperCore::Visit(const std::function<bool(BMessage&)>& visit) const
+{
+	std::lock_guard lock(fQueueMutex);
+	for (const auto& message : fQueue) {
+		if (visit(*message))
+			return;
+	}
+}
+
+void
+LooperCore::Close()
+{
+	std::deque<std::unique_ptr<BMessage>> dropped;
+	{
+		std::lock_guard lock(fQueueMutex);
+		fClosed = true;
+		dropped.swap(fQueue);
+	}
+	handlers.clear();
+	fLock.Close();
+	// Here the dropped messages go, outside the mutex: their senders may be woken.
+}
+
+namespace {
+
+struct Registry {
+	std::shared_mutex mutex;
+	std::unordered_map<const BLooper*, std::shared_ptr<LooperCore>> loopers;
+	std::mutex threadMutex;
+	std::condition_variable threadEnded;
+	int32 threads = 0;
+};
+
+// Never destroyed: threads may look for a looper while the process ends.
+Registry&
+TheRegistry()
+{
+	static Registry* registry = new Registry;
+	return *registry;
+}
+
+std::atomic<void (*)()> sPrepareToQuit = nullptr;
+
+} // namespace
+
+std::shared_ptr<LooperCore>
+LooperRegistry::Add(BLooper* looper)
+{
+	auto core = std::make_shared<LooperCore>(looper);
+	std::unique_lock lock(TheRegistry().mutex);
+	TheRegistry().loopers[looper] = core;
+	return core;
+}
+
+void
+LooperRegistry::Remove(BLooper* looper)
+{
+	std::unique_lock lock(TheRegistry().mutex);
+	TheRegistry().loopers.erase(looper);
+}
+
+std::shared_ptr<LooperCore>
+LooperRegistry::Find(const BLooper* looper)
+{
+	std::shared_lock lock(TheRegistry().mutex);
+	auto found = TheRegistry().loopers.find(looper);
+	return found == TheRegistry().loopers.end() ? nullptr : found->second;
+}
+
+std::vector<std::shared_ptr<LooperCore>>
+LooperRegistry::All()
+{
+	std::vector<std::shared_ptr<LooperCore>> all;
+	std::shared_lock lock(TheRegistry().mutex);
+	all.reserve(TheRegistry().loopers.size());
+	for (const auto& entry : TheRegistry().loopers)
+		all.push_back(entry.second);
+	return all;
+}
+
+void
+LooperRegistry::ThreadStarted()
+{
+	std::lock_guard lock(TheRegistry().threadMutex);
+	TheRegistry().threads++;
+}
+
+void
+LooperRegistry::ThreadEnded()
+{
+	std::lock_guard lock(TheRegistry().threadMutex);
+	TheRegistry().threads--;
+	TheRegistry().threadEnded.notify_all();
+}
+
+void
+LooperRegistry::WaitForThreads()
+{
+	std::unique_lock lock(TheRegistry().threadMutex);
+	TheRegistry().threadEnded.wait(lock, [] { return TheRegistry().threads == 0; });
+}
+
+int64
+NewHandlerToken()
+{
+	static std::atomic<int64> last = 0;
+	return ++last;
+}
+
+void
+SetQuitPreparation(void (*prepare)())
+{
+	sPrepareToQuit = prepare;
+}
+
+void
+PrepareToQuit()
+{
+	if (void (*prepare)() = sPrepareToQuit)
+		prepare();
+}
+
+} // namespace BPrivate

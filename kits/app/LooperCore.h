@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+
+// LooperCore: the part of a looper that outlives it, and the registry of living loopers.
+//
+// Messengers and threads that wait for a lock share the core; it answers "gone" once the looper is.
+// For the sources of this kit and the windows only.
+
+#pragma once
+
+#include <app/Message.h>
+#include <kernel/FairLock.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+#include <vector>
+
+class BHandler;
+class BLooper;
+
+namespace BPrivate {
+
+class LooperCore {
+public:
+	explicit LooperCore(BLooper* owner) : fLooper(owner) {}
+
+	FairLock& Lock() { return fLock; }
+	// The lock held and the core not closed: the looper lives.
+	BLooper* Looper() const { return fLooper; }
+
+	// Any thread, no lock needed. False when closed; the message is then destroyed.
+	bool Post(std::unique_ptr<BMessage> message);
+	// Makes the loop look at its wake-up time and its end again.
+	void Wake();
+	// The next message; null when `deadline` (system_time()) has come or Wake() was called.
+	std::unique_ptr<BMessage> Next(bigtime_t deadline);
+	bool QueueIsEmpty() const;
+	// Takes the oldest message of that kind out of the queue, or null.
+	std::unique_ptr<BMessage> TakeFirst(const std::function<bool(const BMessage&)>& wanted);
+	// Looks at the queued messages in order until `visit` returns true. It must not post.
+	void Visit(const std::function<bool(BMessage&)>& visit) const;
+
+	bool IsClosed() const { return fClosed; }
+	// The lock held: later posts and locks fail, waiting lockers and senders are told.
+	void Close();
+
+	// The loop ends at its next turn, and the looper's thread deletes it.
+	std::atomic<bool> quitNow = false;
+	std::atomic<thread_id> thread = -1;
+	std::atomic<bool> isWindow = false;
+
+	// Guarded by the lock: handlers by token.
+	std::unordered_map<int64, BHandler*> handlers;
+
+private:
+	FairLock fLock;
+	BLooper* fLooper;
+	std::atomic<bool> fClosed = false;
+	mutable std::mutex fQueueMutex;
+	std::condition_variable fQueueChanged;
+	std::deque<std::unique_ptr<BMessage>> fQueue;
+	bool fWoken = false;
+	bool fWaiting = false;
+};
+
+// Every looper from its construction to the start of its destruction, by address, so that calls
+// through a stale pointer fail instead of touching freed memory. Any thread.
+class LooperRegistry {
+public:
+	static std::shared_ptr<LooperCore> Add(BLooper* looper);
+	static void Remove(BLooper* looper);
+	static std::shared_ptr<LooperCore> Find(const BLooper* looper);
+	static std::vector<std::shared_ptr<LooperCore>> All();
+
+	// Threads of loopers count from Run() to their end.
+	static void ThreadStarted();
+	static void ThreadEnded();
+	static void WaitForThreads();
+};
+
+// The next handler token, never given twice.
+int64 NewHandlerToken();
+
+// What the interface kit wants done before the application asks its windows to close: open alerts
+// and menus hold their windows' locks.
+void SetQuitPreparation(void (*prepare)());
+void PrepareToQuit();
+
+} // namespace BPrivate

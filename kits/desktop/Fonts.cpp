@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: MIT
+
+// Fonts and the shaping of text.
+
+#include "FontCache.h"
+
+#include <desktop/GuiThread.h>
+
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QTextLayout>
+
+#include <algorithm>
+#include <functional>
+
+namespace desktop {
+
+namespace {
+
+constexpr size_t kMaxEntries = 1024;
+constexpr size_t kMaxRemembered = 512; // bytes of a string
+constexpr size_t kMaxFonts = 16;
+constexpr qreal kEndlessLine = 1 << 24;
+
+thread_local std::unique_ptr<FontCache> tCache;
+
+// Characters that would break the line or turn the order of what follows them.
+bool
+MustNotBeDrawn(char16_t c)
+{
+	return c < 0x20 || (c >= 0x7f && c < 0xa0) // control characters
+		|| c == 0x2028 || c == 0x2029          // line and paragraph separator
+		|| (c >= 0x202a && c <= 0x202e)        // directional embeddings and overrides
+		|| (c >= 0x2066 && c <= 0x2069)        // directional isolates
+		|| c == 0xfffc;                        // stands for an object, has no glyph
+}
+
+QString
+DrawableText(std::string_view text)
+{
+	QString result = QString::fromUtf8(text.data(), qsizetype(text.size()));
+	for (QChar& c : result) {
+		if (MustNotBeDrawn(c.unicode()))
+			c = QChar::ReplacementCharacter;
+	}
+	return result;
+}
+
+QTextOption
+OneLine()
+{
+	QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
+	option.setWrapMode(QTextOption::NoWrap);
+	option.setTextDirection(Qt::LeftToRight);
+	// Whole-pixel advances look even at scale 1 only.
+	static const bool sScaled = qGuiApp->devicePixelRatio() != 1.0;
+	option.setUseDesignMetrics(sScaled);
+	option.setFlags(QTextOption::IncludeTrailingSpaces);
+	return option;
+}
+
+} // namespace
+
+size_t
+FontCache::KeyHash::operator()(const Key& key) const
+{
+	size_t hash = std::hash<std::string_view>()(key.text);
+	hash = hash * 31 + size_t(key.spec.face);
+	hash = hash * 31 + std::hash<float>()(key.spec.size);
+	return hash * 31 + std::hash<double>()(key.scale);
+}
+
+FontCache&
+FontCache::Current()
+{
+	if (!tCache)
+		tCache = std::make_unique<FontCache>();
+	return *tCache;
+}
+
+void
+FontCache::ForgetCurrent()
+{
+	tCache.reset();
+}
+
+const QFont&
+FontCache::FontFor(const FontSpec& spec)
+{
+	for (const Face& face : fFaces) {
+		if (face.spec == spec)
+			return face.font;
+	}
+	if (fFaces.size() == kMaxFonts)
+		fFaces.clear();
+	const bool fixed = spec.face == FontFace::kFixed;
+	QFont font(fixed ? QStringLiteral("monospace") : QStringLiteral("sans"));
+	font.setStyleHint(fixed ? QFont::Monospace : QFont::SansSerif);
+	font.setPixelSize(std::clamp(qRound(spec.size), 1, 1000));
+	if (spec.face == FontFace::kBold)
+		font.setBold(true);
+	return fFaces.emplace_back(Face{spec, font}).font;
+}
+
+FontHeights
+FontCache::Heights(const FontSpec& spec)
+{
+	const QFontMetricsF metrics(FontFor(spec));
+	return {std::max(0.0f, float(metrics.ascent())), std::max(0.0f, float(metrics.descent())),
+		std::max(0.0f, float(metrics.leading()))};
+}
+
+QRawFont
+FontCache::Scaled(const QRawFont& font, double scale)
+{
+	for (const ScaledFont& known : fScaledFonts) {
+		if (known.scale == scale && known.font == font)
+			return known.scaled;
+	}
+	if (fScaledFonts.size() == kMaxFonts)
+		fScaledFonts.erase(fScaledFonts.begin());
+	QRawFont scaled = font;
+	scaled.setPixelSize(font.pixelSize() * scale);
+	fScaledFonts.push_back({font, scale, scaled});
+	return scaled;
+}
+
+std::shared_ptr<ShapedText>
+FontCache::Layout(const FontSpec& spec, double scale, std::string_view text)
+{
+	auto shaped = std::make_shared<ShapedText>();
+	QTextLayout layout(DrawableText(text), FontFor(spec));
+	layout.setTextOption(OneLine());
+	layout.beginLayout();
+	QTextLine line = layout.createLine();
+	if (line.isValid()) {
+		line.setLineWidth(kEndlessLine);
+		line.setPosition(QPointF(0, -line.ascent()));
+	}
+	layout.endLayout();
+	if (!line.isValid())
+		return shaped;
+	shaped->width = float(line.naturalTextWidth());
+	const QList<QGlyphRun> runs = layout.glyphRuns();
+	for (QGlyphRun run : runs) {
+		if (scale != 1.0) {
+			QList<QPointF> positions = run.positions();
+			for (QPointF& position : positions)
+				position *= scale;
+			run.setPositions(positions);
+			run.setRawFont(Scaled(run.rawFont(), scale));
+			run.setBoundingRect(QRectF());
+		}
+		shaped->bounds |= run.boundingRect();
+		shaped->runs.push_back(run);
+	}
+	return shaped;
+}
+
+std::shared_ptr<const ShapedText>
+FontCache::Shape(const FontSpec& spec, double scale, std::string_view text)
+{
+	if (text.size() > kMaxRemembered)
+		return Layout(spec, scale, text);
+	const auto found = fIndex.find(Key{spec, scale, text});
+	if (found != fIndex.end()) {
+		fEntries.splice(fEntries.begin(), fEntries, found->second);
+		return found->second->shaped;
+	}
+	if (fEntries.size() == kMaxEntries) {
+		fIndex.erase(fEntries.back().key);
+		fEntries.pop_back();
+	}
+	Entry& entry = fEntries.emplace_front();
+	entry.text = text;
+	entry.key = {spec, scale, entry.text};
+	entry.shaped = Layout(spec, scale, text);
+	fIndex.emplace(entry.key, fEntries.begin());
+	return entry.shaped;
+}
+
+FontHeights
+HeightsOf(const FontSpec& font)
+{
+	if (!WaitForDesktop())
+		return {font.size, font.size / 4, 0};
+	return FontCache::Current().Heights(font);
+}
+
+float
+WidthOf(const FontSpec& font, const char* text, size_t length)
+{
+	if (text == nullptr || length == 0 || !WaitForDesktop())
+		return 0;
+	return FontCache::Current().Shape(font, 1.0, {text, length})->width;
+}
+
+} // namespace desktop

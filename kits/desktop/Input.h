@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+
+// The pointer as the kits know it. Internal to this folder; GUI thread.
+
+#pragma once
+
+#include <desktop/GuiThread.h>
+#include <desktop/NativeWindow.h>
+
+#include <QMouseEvent>
+#include <QWheelEvent>
+
+namespace desktop {
+
+// Watches the input of all our windows for CurrentInput(), each event before its window gets it.
+// Needs the application object, which owns the watcher.
+void WatchInput();
+
+uint32 ToButtons(Qt::MouseButtons buttons); // those that we know
+
+WheelEvent TranslateWheel(const QWheelEvent& event, uint32 modifiers, bigtime_t when);
+
+// Counts the presses of one button that are close in time and place.
+class ClickCounter {
+public:
+	int32 Press(uint32 button, const QPointF& screen, bigtime_t when);
+
+private:
+	uint32 fButton = 0;
+	QPointF fWhere;
+	bigtime_t fWhen = 0;
+	int32 fCount = 0;
+};
+
+} // namespace desktop

@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+
+// The desktop's side of a window: what the user does with it.
+
+#include "WindowPeer.h"
+
+#include "Keys.h"
+
+#include <kernel/OS.h>
+
+namespace desktop {
+
+bool
+PeerWindow::event(QEvent* event)
+{
+	switch (event->type()) {
+		case QEvent::Close:
+			// The client decides, and ends the window in its own time.
+			event->ignore();
+			fClient.WindowCloseRequested();
+			return true;
+		case QEvent::Enter: {
+			const auto* enter = static_cast<QEnterEvent*>(event);
+			TellMouse(MouseEvent::kMoved, enter->position(), enter->globalPosition(),
+				CurrentInput().buttons);
+			break;
+		}
+		case QEvent::Leave: {
+			const InputState input = CurrentInput();
+			const QPointF screen(input.x, input.y);
+			TellMouse(MouseEvent::kLeft, mapFromGlobal(screen), screen, input.buttons);
+			break;
+		}
+		default:
+			break;
+	}
+	return QWindow::event(event);
+}
+
+void
+PeerWindow::TellModifiers()
+{
+	const uint32 modifiers = CurrentInput().modifiers;
+	if (modifiers == fToldModifiers)
+		return;
+	fToldModifiers = modifiers;
+	fClient.WindowModifiers(modifiers, system_time());
+}
+
+void
+PeerWindow::TellMouse(MouseEvent::Kind kind, const QPointF& where, const QPointF& screen,
+	uint32 buttons, uint32 button, int32 clicks)
+{
+	TellModifiers();
+	fClient.WindowMouse({kind, float(where.x()), float(where.y()), float(screen.x()),
+		float(screen.y()), buttons, button, clicks, fToldModifiers, system_time()});
+}
+
+// Releases that another program's grab has kept from us, seen by what the pointer holds now.
+void
+PeerWindow::TellLostReleases(const QMouseEvent& event)
+{
+	const uint32 changed = ToButtons(event.button());
+	const uint32 now = ToButtons(event.buttons()) | changed;
+	for (uint32 button = B_PRIMARY_MOUSE_BUTTON; button <= B_TERTIARY_MOUSE_BUTTON; button <<= 1) {
+		if ((fHeldButtons & button) == 0 || (now & button) != 0)
+			continue;
+		fHeldButtons &= ~button;
+		TellMouse(MouseEvent::kUp, event.position(), event.globalPosition(), fHeldButtons, button);
+	}
+}
+
+void
+PeerWindow::mousePressEvent(QMouseEvent* event)
+{
+	const uint32 button = ToButtons(event->button());
+	if (button == 0)
+		return;
+	TellLostReleases(*event);
+	fHeldButtons = ToButtons(event->buttons());
+	const int32 clicks =
+		fClicks.Press(button, event->globalPosition(), bigtime_t(event->timestamp()) * 1000);
+	TellMouse(MouseEvent::kDown, event->position(), event->globalPosition(), fHeldButtons, button,
+		clicks);
+}
+
+void
+PeerWindow::mouseReleaseEvent(QMouseEvent* event)
+{
+	const uint32 button = ToButtons(event->button());
+	if (button == 0)
+		return;
+	TellLostReleases(*event);
+	fHeldButtons = ToButtons(event->buttons());
+	TellMouse(MouseEvent::kUp, event->position(), event->globalPosition(), fHeldButtons, button);
+}
+
+void
+PeerWindow::mouseMoveEvent(QMouseEvent* event)
+{
+	TellLostReleases(*event);
+	fHeldButtons = ToButtons(event->buttons());
+	TellMouse(MouseEvent::kMoved, event->position(), event->globalPosition(), fHeldButtons);
+}
+
+void
+PeerWindow::wheelEvent(QWheelEvent* event)
+{
+	TellModifiers();
+	fClient.WindowWheel(TranslateWheel(*event, fToldModifiers, system_time()));
+}
+
+void
+PeerWindow::Key(QKeyEvent* event)
+{
+	TellModifiers();
+	if (!IsModifierKey(event->key()))
+		fClient.WindowKey(TranslateKey(*event, fToldModifiers, system_time()));
+}
+
+void
+PeerWindow::keyPressEvent(QKeyEvent* event)
+{
+	Key(event);
+}
+
+void
+PeerWindow::keyReleaseEvent(QKeyEvent* event)
+{
+	Key(event);
+}
+
+void
+PeerWindow::focusInEvent(QFocusEvent*)
+{
+	fClient.WindowActivated(true);
+}
+
+void
+PeerWindow::focusOutEvent(QFocusEvent*)
+{
+	TellModifiers();
+	fClient.WindowActivated(false);
+}
+
+} // namespace desktop

@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: MIT
+
+// The desktop's side of a window: its picture.
+
+#include "WindowPeer.h"
+
+#include "CanvasData.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <QTimerEvent>
+
+#include <cstring>
+
+namespace desktop {
+
+namespace {
+
+// How long a resized window keeps its old picture instead of a padded one.
+constexpr int kPictureDelay = 40; // ms
+constexpr QRgb kPadding = qRgb(216, 216, 216);
+
+Qt::WindowFlags
+FlagsFor(const NativeWindow::Options& options)
+{
+	Qt::WindowFlags flags = options.kind == WindowKind::kDialog ? Qt::Dialog : Qt::Window;
+	if (options.closable && options.resizable)
+		return flags;
+	flags |= Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
+	if (options.closable)
+		flags |= Qt::WindowCloseButtonHint;
+	if (options.resizable)
+		flags |= Qt::WindowMinMaxButtonsHint;
+	else if (options.kind == WindowKind::kTitled)
+		flags |= Qt::WindowMinimizeButtonHint;
+	return flags;
+}
+
+bool
+HasFullPixels(const QImage& image)
+{
+	return image.format() == QImage::Format_RGB32 ||
+		image.format() == QImage::Format_ARGB32_Premultiplied;
+}
+
+} // namespace
+
+PeerWindow::PeerWindow(WindowClient& client, const PixelRect& frame, const std::string& title,
+	const NativeWindow::Options& options) :
+	fClient(client),
+	fStore(this),
+	fResizable(options.resizable),
+	fToldSize(frame.Width(), frame.Height()),
+	fToldScale(devicePixelRatio())
+{
+	setSurfaceType(RasterSurface);
+	setFlags(FlagsFor(options));
+	setTitle(QString::fromUtf8(title.c_str()));
+	setPosition(frame.left, frame.top); // of the content: the decoration goes around it
+	ResizeContent(fToldSize);
+}
+
+void
+PeerWindow::ResizeContent(const QSize& size)
+{
+	if (!fResizable) {
+		setMinimumSize(size);
+		setMaximumSize(size);
+	}
+	resize(size);
+}
+
+void
+PeerWindow::ShowFirst(const CanvasData& canvas, QWindow* parent)
+{
+	setTransientParent(parent);
+	create();
+	TakePicture(canvas, QRect(0, 0, canvas.width, canvas.height));
+	show();
+}
+
+QImage*
+PeerWindow::StoreImage()
+{
+	QPaintDevice* device = fStore.paintDevice();
+	return device != nullptr && device->devType() == QInternal::Image ? static_cast<QImage*>(device)
+																	  : nullptr;
+}
+
+void
+PeerWindow::TakePicture(const CanvasData& canvas, const QRegion& region)
+{
+	const QSize size(canvas.width, canvas.height);
+	QRegion part = region & QRect(QPoint(), size);
+	// A picture that is late for another resize must not undo the padding of the newer size.
+	if (fStore.size() != size && (size == this->size() || fStore.size().isEmpty())) {
+		fStore.resize(size);
+		part = QRect(QPoint(), size);
+	}
+	part &= QRect(QPoint(), fStore.size());
+	if (part.isEmpty())
+		return;
+	fStore.beginPaint(part);
+	CopyPixels(canvas, part);
+	fStore.endPaint();
+	if (size == this->size() && fLatePicture.isActive()) {
+		fLatePicture.stop();
+		FlushAll();
+	} else if (isExposed()) {
+		fStore.flush(part);
+	}
+}
+
+void
+PeerWindow::CopyPixels(const CanvasData& canvas, const QRegion& region)
+{
+	QImage* target = StoreImage();
+	if (target == nullptr || !HasFullPixels(*target)) {
+		QPainter painter(fStore.paintDevice());
+		painter.setCompositionMode(QPainter::CompositionMode_Source);
+		QImage source = canvas.image;
+		source.setDevicePixelRatio(canvas.scale);
+		painter.setClipRegion(region);
+		painter.drawImage(0, 0, source);
+		return;
+	}
+	const QRect both = target->rect() & QRect(0, 0, canvas.deviceWidth, canvas.deviceHeight);
+	uchar* const bits = target->bits();
+	for (const QRect& rect : region) {
+		const QRect part = canvas.ToDevice(rect) & both;
+		const size_t bytes = size_t(part.width()) * sizeof(uint32);
+		for (int32 y = part.top(); y <= part.bottom(); y++)
+			std::memcpy(bits + y * target->bytesPerLine() + part.left() * 4,
+				canvas.Row(y) + part.left(), bytes);
+	}
+}
+
+void
+PeerWindow::FlushAll()
+{
+	if (isExposed())
+		fStore.flush(QRect(QPoint(), size()));
+}
+
+// Fills what the last picture lacks of the window.
+void
+PeerWindow::PadPicture()
+{
+	if (fStore.size() == size() || fStore.size().isEmpty())
+		return;
+	const QImage old = Picture();
+	fStore.resize(size());
+	fStore.beginPaint(QRect(QPoint(), size()));
+	if (QPaintDevice* device = fStore.paintDevice()) {
+		QPainter painter(device);
+		painter.fillRect(QRect(QPoint(), size()), QColor(kPadding));
+		painter.drawImage(0, 0, old);
+	}
+	fStore.endPaint();
+	FlushAll();
+}
+
+QImage
+PeerWindow::Picture()
+{
+	const QImage* image = StoreImage();
+	return image != nullptr && !fStore.size().isEmpty() ? image->copy() : QImage();
+}
+
+void
+PeerWindow::paintEvent(QPaintEvent* event)
+{
+	TellSize();
+	if (!isExposed())
+		return;
+	if (fStore.size() == size()) {
+		fStore.flush(event->region());
+	} else if (!fLatePicture.isActive()) {
+		// The picture of the new size is on its way. Until then the old pixels stay where they
+		// are; showing them once more would only tell the window manager that we are ready.
+		fLatePicture.start(kPictureDelay, this);
+	}
+}
+
+void
+PeerWindow::timerEvent(QTimerEvent* event)
+{
+	if (event->timerId() != fLatePicture.timerId()) {
+		QWindow::timerEvent(event);
+		return;
+	}
+	fLatePicture.stop();
+	PadPicture();
+}
+
+void
+PeerWindow::TellSize()
+{
+	const double scale = devicePixelRatio();
+	if (size() == fToldSize && scale == fToldScale)
+		return;
+	fToldSize = size();
+	fToldScale = scale;
+	fClient.WindowResized(width(), height(), scale);
+}
+
+void
+PeerWindow::resizeEvent(QResizeEvent*)
+{
+	TellSize();
+}
+
+void
+PeerWindow::moveEvent(QMoveEvent* event)
+{
+	TellSize(); // another screen may have another scale
+	fClient.WindowMoved(event->pos().x(), event->pos().y());
+}
+
+} // namespace desktop

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+
+// The desktop's side of a NativeWindow. Internal to this folder; GUI thread.
+
+#pragma once
+
+#include <desktop/NativeWindow.h>
+
+#include "Input.h"
+
+#include <QBackingStore>
+#include <QBasicTimer>
+#include <QWindow>
+
+namespace desktop {
+
+// Keeps a copy of the last picture in its backing store, so that it can be shown again without
+// asking the client.
+class PeerWindow : public QWindow {
+public:
+	PeerWindow(WindowClient& client, const PixelRect& frame, const std::string& title,
+		const NativeWindow::Options& options);
+
+	void ShowFirst(const CanvasData& canvas, QWindow* parent);
+	void TakePicture(const CanvasData& canvas, const QRegion& region);
+	void ResizeContent(const QSize& size);
+	// What the window shows, in device pixels.
+	QImage Picture();
+
+protected:
+	bool event(QEvent* event) override;
+	void paintEvent(QPaintEvent* event) override;
+	void timerEvent(QTimerEvent* event) override;
+	void resizeEvent(QResizeEvent* event) override;
+	void moveEvent(QMoveEvent* event) override;
+	void mousePressEvent(QMouseEvent* event) override;
+	void mouseReleaseEvent(QMouseEvent* event) override;
+	void mouseMoveEvent(QMouseEvent* event) override;
+	void wheelEvent(QWheelEvent* event) override;
+	void keyPressEvent(QKeyEvent* event) override;
+	void keyReleaseEvent(QKeyEvent* event) override;
+	void focusInEvent(QFocusEvent* event) override;
+	void focusOutEvent(QFocusEvent* event) override;
+
+private:
+	QImage* StoreImage();
+	void CopyPixels(const CanvasData& canvas, const QRegion& region);
+	void FlushAll();
+	void PadPicture();
+	void TellSize();
+	void TellModifiers();
+	void TellMouse(MouseEvent::Kind kind, const QPointF& where, const QPointF& screen,
+		uint32 buttons, uint32 button = 0, int32 clicks = 0);
+	void TellLostReleases(const QMouseEvent& event);
+	void Key(QKeyEvent* event);
+
+	WindowClient& fClient;
+	QBackingStore fStore;
+	const bool fResizable;
+	QSize fToldSize;
+	double fToldScale;
+	QBasicTimer fLatePicture; // runs from a resize until its picture or too long a wait
+	uint32 fToldModifiers = 0;
+	uint32 fHeldButtons = 0;
+	ClickCounter fClicks;
+};
+
+struct WindowPeer {
+	// Made and deleted by jobs; left when the display was lost, since it could not be deleted.
+	PeerWindow* window = nullptr;
+};
+
+struct NativeWindowAccess {
+	static WindowPeer& Peer(NativeWindow& window);
+};
+
+} // namespace desktop

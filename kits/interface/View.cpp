@@ -1,0 +1,410 @@
+// SPDX-License-Identifier: MIT
+
+// The tree of views, attaching, focus and the empty hooks.
+
+#include <interface/View.h>
+
+#include <app/AppDefs.h>
+#include <desktop/GuiThread.h>
+#include <interface/ScrollBar.h>
+#include <interface/Window.h>
+
+#include "kits/interface/WindowSurface.h"
+
+#include <algorithm>
+#include <cstring>
+
+BView::State::State(const State& other)
+{
+	*this = other;
+}
+
+BView::State&
+BView::State::operator=(const State& other)
+{
+	high = other.high;
+	low = other.low;
+	mode = other.mode;
+	pen = other.pen;
+	penSize = other.penSize;
+	font = other.font;
+	clip = other.clip ? std::make_unique<BRegion>(*other.clip) : nullptr;
+	return *this;
+}
+
+BView::BView(BRect frame, const char* name, uint32 resizingMode, uint32 flags) :
+	BHandler(name), fFrame(frame), fResizingMode(resizingMode), fFlags(flags)
+{
+}
+
+BView::~BView()
+{
+	if (fParent != nullptr)
+		RemoveSelf();
+	while (!fChildren.empty()) {
+		BView* child = fChildren.back();
+		fChildren.pop_back();
+		child->fParent = nullptr;
+		delete child;
+	}
+	if (fHorizontalBar != nullptr)
+		fHorizontalBar->_TargetGone();
+	if (fVerticalBar != nullptr)
+		fVerticalBar->_TargetGone();
+}
+
+void
+BView::AddChild(BView* child, BView* before)
+{
+	if (child == nullptr || child->fParent != nullptr || child->fWindow != nullptr)
+		return;
+	auto place = std::find(fChildren.begin(), fChildren.end(), before);
+	fChildren.insert(place, child);
+	child->fParent = this;
+	if (fWindow == nullptr) {
+		child->SetNextHandler(this);
+		return;
+	}
+	child->_Attach(fWindow);
+	fWindow->fSurface->LayoutChanged();
+	child->_LayoutChanged(desktop::PixelRegion(), true);
+	child->_CallAttached();
+	child->_CallAllAttached();
+}
+
+bool
+BView::RemoveChild(BView* child)
+{
+	auto found = std::find(fChildren.begin(), fChildren.end(), child);
+	if (found == fChildren.end())
+		return false;
+	if (fWindow != nullptr) {
+		child->_CallDetached();
+		child->_CallAllDetached();
+		desktop::PixelRegion old;
+		bool seen = child->_LayoutChanging(&old);
+		child->_Detach();
+		fChildren.erase(std::find(fChildren.begin(), fChildren.end(), child));
+		fWindow->fSurface->LayoutChanged();
+		if (seen) {
+			fWindow->fSurface->AddDamage(old);
+			fWindow->_WakeLoop();
+		}
+	} else
+		fChildren.erase(found);
+	child->fParent = nullptr;
+	child->SetNextHandler(nullptr);
+	return true;
+}
+
+bool
+BView::RemoveSelf()
+{
+	return fParent != nullptr && fParent->RemoveChild(this);
+}
+
+BView*
+BView::ChildAt(int32 index) const
+{
+	return index >= 0 && index < CountChildren() ? fChildren[index] : nullptr;
+}
+
+BView*
+BView::NextSibling() const
+{
+	if (fParent == nullptr)
+		return nullptr;
+	const std::vector<BView*>& siblings = fParent->fChildren;
+	auto next = std::find(siblings.begin(), siblings.end(), this) + 1;
+	return next == siblings.end() ? nullptr : *next;
+}
+
+BView*
+BView::PreviousSibling() const
+{
+	if (fParent == nullptr || fParent->fChildren.front() == this)
+		return nullptr;
+	const std::vector<BView*>& siblings = fParent->fChildren;
+	return *(std::find(siblings.begin(), siblings.end(), this) - 1);
+}
+
+// The window's own top view is nobody's business.
+BView*
+BView::Parent() const
+{
+	return fWindow != nullptr && fParent == fWindow->fTop.get() ? nullptr : fParent;
+}
+
+BView*
+BView::FindView(const char* name) const
+{
+	if (name == nullptr)
+		return nullptr;
+	if (Name() != nullptr && strcmp(Name(), name) == 0)
+		return const_cast<BView*>(this);
+	for (const BView* child : fChildren) {
+		if (BView* found = child->FindView(name))
+			return found;
+	}
+	return nullptr;
+}
+
+// First every view of the subtree gets its window and looper, so that hooks find all of them at
+// work; the hooks are called in a second walk.
+void
+BView::_Attach(BWindow* window)
+{
+	fWindow = window;
+	fAttachedCalled = false;
+	window->AddHandler(this);
+	BView* parent = Parent();
+	SetNextHandler(parent != nullptr ? static_cast<BHandler*>(parent) : window);
+	if ((fFlags & B_PULSE_NEEDED) != 0)
+		window->fPulseViews++;
+	for (BView* child : fChildren)
+		child->_Attach(window);
+}
+
+// A hook may add children, which are attached and told by that very call.
+void
+BView::_CallAttached()
+{
+	if (fAttachedCalled)
+		return;
+	fAttachedCalled = true;
+	AttachedToWindow();
+	for (size_t i = 0; i < fChildren.size(); i++)
+		fChildren[i]->_CallAttached();
+}
+
+void
+BView::_CallAllAttached()
+{
+	AllAttached();
+	for (size_t i = 0; i < fChildren.size(); i++)
+		fChildren[i]->_CallAllAttached();
+}
+
+void
+BView::_CallDetached()
+{
+	DetachedFromWindow();
+	for (size_t i = 0; i < fChildren.size(); i++)
+		fChildren[i]->_CallDetached();
+}
+
+void
+BView::_CallAllDetached()
+{
+	AllDetached();
+	for (size_t i = 0; i < fChildren.size(); i++)
+		fChildren[i]->_CallAllDetached();
+}
+
+void
+BView::_Detach()
+{
+	for (BView* child : fChildren)
+		child->_Detach();
+	if ((fFlags & B_PULSE_NEEDED) != 0)
+		fWindow->fPulseViews--;
+	fWindow->_ViewDetached(this);
+	fWindow->RemoveHandler(this);
+	if (fParent != nullptr)
+		SetNextHandler(fParent);
+	fWindow = nullptr;
+	fEventMask = 0;
+	fFrameMovedPending = false;
+	fFrameResizedPending = false;
+	fRegionsOf = 0;
+}
+
+void
+BView::SetFlags(uint32 flags)
+{
+	if (fWindow != nullptr) {
+		if ((fFlags & B_PULSE_NEEDED) != 0)
+			fWindow->fPulseViews--;
+		if ((flags & B_PULSE_NEEDED) != 0)
+			fWindow->fPulseViews++;
+		fWindow->_WakeLoop();
+	}
+	fFlags = flags;
+}
+
+void
+BView::MakeFocus(bool focus)
+{
+	if (fWindow == nullptr || focus == IsFocus())
+		return;
+	fWindow->_SetFocus(focus ? this : nullptr);
+}
+
+bool
+BView::IsFocus() const
+{
+	return fWindow != nullptr && fWindow->fFocus == this;
+}
+
+void
+BView::KeyDown(const char* bytes, int32 numBytes)
+{
+	if (fWindow == nullptr || numBytes != 1 || bytes[0] != B_TAB)
+		return;
+	int32 held = 0;
+	if (BMessage* message = fWindow->CurrentMessage())
+		message->FindInt32("modifiers", &held);
+	fWindow->_NavigateFocus((held & B_SHIFT_KEY) != 0);
+}
+
+void
+BView::_CollectNavigable(std::vector<BView*>& views)
+{
+	if (fHidden > 0)
+		return;
+	if ((fFlags & B_NAVIGABLE) != 0)
+		views.push_back(this);
+	for (BView* child : fChildren)
+		child->_CollectNavigable(views);
+}
+
+void
+BView::_CallPulse()
+{
+	if ((fFlags & B_PULSE_NEEDED) != 0)
+		Pulse();
+	for (size_t i = 0; i < fChildren.size(); i++)
+		fChildren[i]->_CallPulse();
+}
+
+void
+BView::_CallWindowActivated(bool active)
+{
+	WindowActivated(active);
+	for (size_t i = 0; i < fChildren.size(); i++)
+		fChildren[i]->_CallWindowActivated(active);
+}
+
+status_t
+BView::SetMouseEventMask(uint32 mask, uint32)
+{
+	if (fWindow == nullptr)
+		return B_ERROR;
+	fEventMask = mask;
+	if ((mask & B_POINTER_EVENTS) != 0)
+		fWindow->fCaptureView = this;
+	else if (fWindow->fCaptureView == this)
+		fWindow->fCaptureView = nullptr;
+	return B_OK;
+}
+
+void
+BView::GetMouse(BPoint* where, uint32* buttons, bool checkQueue) const
+{
+	BPoint inWindow;
+	uint32 held = 0;
+	if (fWindow == nullptr || !checkQueue || !fWindow->_TakeMouseMessage(&inWindow, &held)) {
+		desktop::InputState now = desktop::CurrentInput();
+		inWindow = BPoint(now.x, now.y);
+		if (fWindow != nullptr)
+			inWindow = fWindow->ConvertFromScreen(inWindow);
+		held = now.buttons;
+	}
+	if (where != nullptr) {
+		double x = 0, y = 0;
+		_Offset(&x, &y);
+		where->Set(static_cast<float>(inWindow.x - x), static_cast<float>(inWindow.y - y));
+	}
+	if (buttons != nullptr)
+		*buttons = held;
+}
+
+void
+BView::MessageReceived(BMessage* message)
+{
+	if (message->what != B_MOUSE_WHEEL_CHANGED || !_WheelMoved(message))
+		BHandler::MessageReceived(message);
+}
+
+// Changes that came while the message was under way are told with it.
+void
+BView::_FrameEvent(uint32 what)
+{
+	if (what == B_VIEW_MOVED && fFrameMovedPending) {
+		fFrameMovedPending = false;
+		FrameMoved(fFrame.LeftTop());
+	} else if (what == B_VIEW_RESIZED && fFrameResizedPending) {
+		fFrameResizedPending = false;
+		FrameResized(fFrame.Width(), fFrame.Height());
+	}
+}
+
+void
+BView::AttachedToWindow()
+{
+}
+
+void
+BView::AllAttached()
+{
+}
+
+void
+BView::DetachedFromWindow()
+{
+}
+
+void
+BView::AllDetached()
+{
+}
+
+void
+BView::FrameMoved(BPoint)
+{
+}
+
+void
+BView::FrameResized(float, float)
+{
+}
+
+void
+BView::Draw(BRect)
+{
+}
+
+void
+BView::KeyUp(const char*, int32)
+{
+}
+
+void
+BView::WindowActivated(bool)
+{
+}
+
+void
+BView::Pulse()
+{
+}
+
+void
+BView::MouseDown(BPoint)
+{
+}
+
+void
+BView::MouseUp(BPoint)
+{
+}
+
+void
+BView::MouseMoved(BPoint, uint32, const BMessage*)
+{
+}
+
+void
+BView::TargetedByScrollView(BScrollView*)
+{
+}

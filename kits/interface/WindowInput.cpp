@@ -1,0 +1,316 @@
+// SPDX-License-Identifier: MIT
+
+// From input messages to the hooks of views: who is under the pointer, who has the focus, what a
+// shortcut takes away.
+
+#include <interface/Window.h>
+
+#include <app/AppDefs.h>
+#include <app/Application.h>
+#include <interface/Button.h>
+#include <interface/Modal.h>
+
+#include "kits/app/LooperCore.h"
+#include "kits/interface/WindowSurface.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+bool
+IsMouse(const BMessage& message)
+{
+	return message.what == B_MOUSE_DOWN || message.what == B_MOUSE_UP
+		|| message.what == B_MOUSE_MOVED;
+}
+
+BPoint
+WhereOf(const BMessage& message)
+{
+	BPoint where;
+	message.FindPoint("where", &where);
+	return where;
+}
+
+int32
+Int32Of(const BMessage& message, const char* name)
+{
+	int32 value = 0;
+	message.FindInt32(name, &value);
+	return value;
+}
+
+// The window's point in the view's coordinates.
+BPoint
+InView(const BView* view, BPoint where)
+{
+	return view->ConvertFromScreen(view->Window()->ConvertToScreen(where));
+}
+
+} // namespace
+
+// Runs before any filter: the filters of the view that will get the message see it too.
+BHandler*
+BWindow::_Retarget(BMessage* message, BHandler* target)
+{
+	if (target != this)
+		return target;
+	switch (message->what) {
+		case B_MOUSE_DOWN:
+		case B_MOUSE_UP:
+		case B_MOUSE_MOVED:
+		case B_MOUSE_WHEEL_CHANGED:
+			return _RetargetMouse(message);
+		case B_KEY_DOWN:
+		case B_KEY_UP:
+			return _RetargetKey(message);
+		case B_WINDOW_RESIZED:
+		case B_WINDOW_MOVED:
+			return _NewerIsQueued(*message) ? nullptr : this;
+		case B_QUIT_REQUESTED:
+			if (message->HasBool("close box") && BPrivate::InputBlockedBy(this)) {
+				beep();
+				return nullptr;
+			}
+			return this;
+	}
+	return target;
+}
+
+// Of several such messages only the last one tells the truth.
+bool
+BWindow::_NewerIsQueued(const BMessage& message) const
+{
+	bool found = false;
+	_Core().Visit([&](const BMessage& other) { return found = other.what == message.what; });
+	return found;
+}
+
+BHandler*
+BWindow::_RetargetMouse(BMessage* message)
+{
+	if (BPrivate::InputBlockedBy(this))
+		return nullptr;
+	BPoint where = WhereOf(*message);
+	BView* view = message->HasBool("left") ? nullptr : FindView(where);
+	if (message->what == B_MOUSE_MOVED && view == fMouseView) {
+		// A move that says nothing new gives way to a later one of the same view.
+		bool overtaken = false;
+		_Core().Visit([&](const BMessage& next) {
+			if (!IsMouse(next))
+				return false;
+			overtaken = next.what == B_MOUSE_MOVED && !next.HasBool("left")
+				&& FindView(WhereOf(next)) == view;
+			return true;
+		});
+		if (overtaken)
+			return nullptr;
+	}
+	if (view == nullptr)
+		view = fCaptureView;
+	return view != nullptr ? static_cast<BHandler*>(view) : this;
+}
+
+BHandler*
+BWindow::_RetargetKey(BMessage* message)
+{
+	if (BPrivate::InputBlockedBy(this))
+		return nullptr;
+	if (message->what == B_KEY_DOWN && _TakeShortcut(message))
+		return nullptr;
+	return fFocus != nullptr ? static_cast<BHandler*>(fFocus) : this;
+}
+
+void
+BWindow::DispatchMessage(BMessage* message, BHandler* target)
+{
+	// Views are told apart from other handlers by their window.
+	BView* view = dynamic_cast<BView*>(target);
+	switch (message->what) {
+		case B_MOUSE_DOWN:
+			_MouseDown(message, view);
+			break;
+		case B_MOUSE_UP:
+			_MouseUp(message, view);
+			break;
+		case B_MOUSE_MOVED:
+			_MouseMoved(message, view);
+			break;
+		case B_KEY_DOWN:
+			_KeyDown(message, view);
+			break;
+		case B_KEY_UP: {
+			const char* bytes = nullptr;
+			if (view != nullptr && message->FindString("bytes", &bytes) == B_OK)
+				view->KeyUp(bytes, static_cast<int32>(strlen(bytes)));
+			break;
+		}
+		case B_PULSE:
+			if (target == this)
+				fTop->_CallPulse();
+			break;
+		case B_WINDOW_ACTIVATED: {
+			bool active = fActive;
+			if (target == this && message->FindBool("active", &active) == B_OK)
+				_ActivationChanged(active);
+			break;
+		}
+		case B_VIEW_MOVED:
+		case B_VIEW_RESIZED:
+			if (view != nullptr)
+				view->_FrameEvent(message->what);
+			break;
+		default:
+			if (target != this || !_OwnMessage(message))
+				BLooper::DispatchMessage(message, target);
+	}
+}
+
+void
+BWindow::_MouseDown(BMessage* message, BView* target)
+{
+	if (target != nullptr)
+		target->MouseDown(InView(target, WhereOf(*message)));
+}
+
+void
+BWindow::_MouseUp(BMessage* message, BView* target)
+{
+	BPoint where = WhereOf(*message);
+	BView* capture = fCaptureView;
+	int64 token = capture != nullptr ? capture->_Token() : 0;
+	if (Int32Of(*message, "buttons") == 0)
+		fCaptureView = nullptr;
+	if (target != nullptr)
+		target->MouseUp(InView(target, where));
+	// The first hook may have removed the other view.
+	if (capture != nullptr && capture != target && _Core().handlers.count(token) != 0)
+		capture->MouseUp(InView(capture, where));
+}
+
+void
+BWindow::_MouseMoved(BMessage* message, BView* target)
+{
+	BPoint where = WhereOf(*message);
+	BView* capture = fCaptureView;
+	BView* under = message->HasBool("left") ? nullptr : target;
+	if (under != nullptr && under == capture && FindView(where) != under)
+		under = nullptr; // the captor stands in for nobody
+	uint32 transit = B_INSIDE_VIEW;
+	BView* left = fMouseView;
+	if (under != left) {
+		fMouseView = under;
+		transit = B_ENTERED_VIEW;
+		if (left != nullptr)
+			left->MouseMoved(InView(left, where), B_EXITED_VIEW, nullptr);
+	}
+	if (under != nullptr && fMouseView == under)
+		under->MouseMoved(InView(under, where), transit, nullptr);
+	if (capture != nullptr && capture == fCaptureView && capture != under && capture != left)
+		capture->MouseMoved(InView(capture, where), B_OUTSIDE_VIEW, nullptr);
+}
+
+// Takes the oldest mouse message off the queue, for a view that polls. A release still ends the
+// capture.
+bool
+BWindow::_TakeMouseMessage(BPoint* where, uint32* buttons)
+{
+	std::unique_ptr<BMessage> message = _Core().TakeFirst(IsMouse);
+	if (!message)
+		return false;
+	*where = WhereOf(*message);
+	*buttons = static_cast<uint32>(Int32Of(*message, "buttons"));
+	if (message->what == B_MOUSE_UP && *buttons == 0)
+		fCaptureView = nullptr;
+	return true;
+}
+
+void
+BWindow::_KeyDown(BMessage* message, BView* target)
+{
+	const char* bytes = nullptr;
+	if (message->FindString("bytes", &bytes) != B_OK || bytes[0] == '\0')
+		return;
+	if (bytes[0] == B_ENTER && bytes[1] == '\0' && fDefaultButton != nullptr
+		&& fDefaultButton->IsEnabled()) {
+		fDefaultButton->Invoke();
+		return;
+	}
+	if (target != nullptr)
+		target->KeyDown(bytes, static_cast<int32>(strlen(bytes)));
+	else if (bytes[0] == B_TAB && bytes[1] == '\0')
+		_NavigateFocus((Int32Of(*message, "modifiers") & B_SHIFT_KEY) != 0);
+}
+
+// Command and Control both make shortcuts. What no shortcut knows is swallowed, so that Control
+// with a letter never reaches a view as that letter.
+bool
+BWindow::_TakeShortcut(BMessage* message)
+{
+	uint32 held = static_cast<uint32>(Int32Of(*message, "modifiers"));
+	if ((held & (B_COMMAND_KEY | B_CONTROL_KEY)) == 0)
+		return false;
+	const char* bytes = nullptr;
+	if (message->FindString("bytes", &bytes) != B_OK || bytes[0] == '\0')
+		return false;
+	uint32 key = static_cast<uint32>(Int32Of(*message, "raw_char"));
+	if (key >= 'A' && key <= 'Z')
+		key += 'a' - 'A';
+	constexpr uint32 kOthers = B_SHIFT_KEY | B_OPTION_KEY;
+	for (const Shortcut& shortcut : fShortcuts) {
+		if (shortcut.key == key && (shortcut.modifiers & kOthers) == (held & kOthers)) {
+			if (shortcut.target.IsValid())
+				shortcut.target.SendMessage(shortcut.message.get());
+			else
+				PostMessage(shortcut.message.get());
+			return true;
+		}
+	}
+	if ((held & kOthers) == 0) {
+		uint32 edit = key == 'x' ? B_CUT
+			: key == 'c'		 ? B_COPY
+			: key == 'v'		 ? B_PASTE
+			: key == 'a'		 ? B_SELECT_ALL
+								 : 0u;
+		if (edit != 0) {
+			PostMessage(edit, nullptr);
+			return true;
+		}
+		if (key == 'w' || key == 'q') {
+			BMessage quit(B_QUIT_REQUESTED);
+			if (key == 'w')
+				PostMessage(&quit);
+			else
+				be_app_messenger.SendMessage(&quit);
+			return true;
+		}
+	}
+	bool isText = static_cast<unsigned char>(bytes[0]) > B_SPACE && bytes[0] != B_DELETE;
+	return isText || (held & B_COMMAND_KEY) != 0;
+}
+
+void
+BWindow::_NavigateFocus(bool backward)
+{
+	std::vector<BView*> views;
+	fTop->_CollectNavigable(views);
+	if (views.empty())
+		return;
+	size_t count = views.size();
+	auto current = std::find(views.begin(), views.end(), fFocus);
+	size_t next = backward ? count - 1 : 0;
+	if (current != views.end())
+		next = (current - views.begin() + (backward ? count - 1 : 1)) % count;
+	views[next]->MakeFocus(true);
+}
+
+void
+BWindow::_ActivationChanged(bool active)
+{
+	if (active == fActive)
+		return;
+	fActive = active;
+	WindowActivated(active);
+	fTop->_CallWindowActivated(active);
+}

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+
+// The folders that this process has seen. A ref names its folder by device and inode, and the
+// kernel has no way from an inode to a folder: this table is that way.
+//
+// Folders used lately are kept open, a quarter of the descriptors that the process may have and
+// at most 1024; a handle that somebody holds is never closed. Of older ones only the path stays;
+// they are opened again on use, and are B_ENTRY_NOT_FOUND when another folder is there now.
+// Any thread may call. Cost of finding an open folder: one lock and one hash look-up.
+
+#pragma once
+
+#include <storage/FolderHandle.h>
+
+#include <list>
+#include <mutex>
+#include <string>
+#include <sys/stat.h>
+#include <unordered_map>
+
+namespace BPrivate {
+
+class DirectoryTable {
+public:
+	static DirectoryTable& Instance(); // lives as long as the process
+
+	// The folder with these numbers, opened again if need be. B_ENTRY_NOT_FOUND when it was never
+	// seen or is gone from where it was.
+	status_t Find(dev_t device, ino_t node, FolderHandle* handle);
+
+	// Takes over a descriptor of a folder and makes it known. B_NOT_A_DIRECTORY.
+	status_t Add(FileDescriptor descriptor, FolderHandle* handle);
+
+	// True for the numbers of "/", which is its own parent.
+	bool IsRoot(const node_ref& node) const { return node == fRoot; }
+
+private:
+	struct Record {
+		node_ref node;
+		FolderHandle handle; // null while the folder is closed
+		std::string path;    // where it was when it was closed
+		statx_timestamp birth = {};
+	};
+	struct Hash {
+		size_t operator()(const node_ref& node) const;
+	};
+	typedef std::list<Record> RecordList;
+
+	DirectoryTable();
+	status_t AddKnown(FileDescriptor descriptor, const struct statx& status, FolderHandle* handle);
+	status_t Reopen(const Record& closed, FolderHandle* handle);
+	FolderHandle NextVictim();
+	void Close(const FolderHandle& victim);
+	void Trim();
+
+	std::mutex fLock; // guards the lists and the index
+	RecordList fOpen; // latest use first, as fClosed
+	RecordList fClosed;
+	std::unordered_map<node_ref, RecordList::iterator, Hash> fIndex;
+	size_t fMaxOpen;
+	node_ref fRoot;
+};
+
+} // namespace BPrivate

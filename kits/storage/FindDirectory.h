@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+
+// find_directory(): where well-known folders are on this system and for this user.
+
+#pragma once
+
+#include <support/SupportDefs.h>
+
+class BPath;
+class BVolume;
+
+enum directory_which {
+	B_DESKTOP_DIRECTORY,
+	B_TRASH_DIRECTORY,
+
+	// the system's
+	B_BEOS_DIRECTORY = 1000,
+	B_BEOS_SYSTEM_DIRECTORY,
+	B_BEOS_ADDONS_DIRECTORY,
+	B_BEOS_BOOT_DIRECTORY,
+	B_BEOS_FONTS_DIRECTORY,
+	B_BEOS_LIB_DIRECTORY,
+	B_BEOS_SERVERS_DIRECTORY,
+	B_BEOS_APPS_DIRECTORY,
+	B_BEOS_BIN_DIRECTORY,
+	B_BEOS_ETC_DIRECTORY,
+	B_BEOS_DOCUMENTATION_DIRECTORY,
+	B_BEOS_PREFERENCES_DIRECTORY,
+	B_BEOS_TRANSLATORS_DIRECTORY,
+	B_BEOS_MEDIA_NODES_DIRECTORY,
+	B_BEOS_SOUNDS_DIRECTORY,
+
+	// shared by all users of this machine
+	B_COMMON_DIRECTORY = 2000,
+	B_COMMON_SYSTEM_DIRECTORY,
+	B_COMMON_ADDONS_DIRECTORY,
+	B_COMMON_BOOT_DIRECTORY,
+	B_COMMON_FONTS_DIRECTORY,
+	B_COMMON_LIB_DIRECTORY,
+	B_COMMON_SERVERS_DIRECTORY,
+	B_COMMON_BIN_DIRECTORY,
+	B_COMMON_ETC_DIRECTORY,
+	B_COMMON_DOCUMENTATION_DIRECTORY,
+	B_COMMON_SETTINGS_DIRECTORY,
+	B_COMMON_DEVELOP_DIRECTORY,
+	B_COMMON_LOG_DIRECTORY,
+	B_COMMON_SPOOL_DIRECTORY,
+	B_COMMON_TEMP_DIRECTORY,
+	B_COMMON_VAR_DIRECTORY,
+	B_COMMON_TRANSLATORS_DIRECTORY,
+	B_COMMON_MEDIA_NODES_DIRECTORY,
+	B_COMMON_SOUNDS_DIRECTORY,
+
+	// the user's own
+	B_USER_DIRECTORY = 3000,
+	B_USER_CONFIG_DIRECTORY,
+	B_USER_ADDONS_DIRECTORY,
+	B_USER_BOOT_DIRECTORY,
+	B_USER_FONTS_DIRECTORY,
+	B_USER_LIB_DIRECTORY,
+	B_USER_SETTINGS_DIRECTORY,
+	B_USER_DESKBAR_DIRECTORY,
+	B_USER_PRINTERS_DIRECTORY,
+	B_USER_TRANSLATORS_DIRECTORY,
+	B_USER_MEDIA_NODES_DIRECTORY,
+	B_USER_SOUNDS_DIRECTORY,
+
+	// what programs look for
+	B_APPS_DIRECTORY = 4000,
+	B_PREFERENCES_DIRECTORY,
+	B_UTILITIES_DIRECTORY,
+};
+
+// The folder's path with all links resolved, since callers compare texts; it need not exist
+// unless `create` is set. Folders of the user are made for the user alone. One desktop and one
+// trash serve all volumes. B_BAD_VALUE for NULL or an unknown value, B_ENTRY_NOT_FOUND where
+// this system has no such folder; the path is then unset.
+status_t find_directory(
+	directory_which which, BPath* path, bool create = false, BVolume* volume = nullptr);

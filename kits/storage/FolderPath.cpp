@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: MIT
+
+#include <storage/FolderPath.h>
+
+#include <storage/DirectorySnapshot.h>
+#include <storage/DirectoryTable.h>
+
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace BPrivate {
+
+namespace {
+
+constexpr int kFolderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
+status_t
+OpenShort(int base, const std::string& path, FileDescriptor* folder)
+{
+	FileDescriptor opened(Retry([&] { return openat(base, path.c_str(), kFolderFlags); }));
+	if (!opened.IsOpen())
+		return StatusFromErrno(errno);
+	*folder = std::move(opened);
+	return B_OK;
+}
+
+bool
+IsSameNode(const struct stat& a, const struct stat& b)
+{
+	return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+bool
+HasNode(int folder, const char* name, const struct stat& node)
+{
+	struct stat found;
+	int result = Retry([&] { return fstatat(folder, name, &found, AT_SYMLINK_NOFOLLOW); });
+	return result == 0 && IsSameNode(found, node);
+}
+
+// Searches a folder for the name of the folder `node` in it.
+status_t
+FindName(int parent, const struct stat& node, std::string* name)
+{
+	DirectorySnapshot snapshot;
+	if (status_t error = snapshot.Read(parent); error != B_OK)
+		return error;
+	// The inode numbers in a listing save most of the stat calls, but lie about mount points.
+	for (bool byNumber : {true, false}) {
+		for (size_t i = 0; i < snapshot.Count(); i++) {
+			const dirent64& entry = snapshot.At(i);
+			if ((entry.d_ino == node.st_ino) != byNumber ||
+				(entry.d_type != DT_DIR && entry.d_type != DT_UNKNOWN))
+				continue;
+			if (HasNode(parent, entry.d_name, node)) {
+				*name = entry.d_name;
+				return B_OK;
+			}
+		}
+	}
+	return B_ENTRY_NOT_FOUND;
+}
+
+// The kernel's text for an open folder. It fails when that is PATH_MAX or longer, or without /proc.
+bool
+ReadKernelPath(int folder, std::string* path)
+{
+	char link[32];
+	snprintf(link, sizeof(link), "/proc/self/fd/%d", folder);
+	char text[PATH_MAX];
+	ssize_t length = readlink(link, text, sizeof(text));
+	if (length < 0 || length == sizeof(text))
+		return false;
+	path->assign(text, length);
+	return true;
+}
+
+// The kernel marks what was removed by a suffix that a living folder may bear as well.
+bool
+IsLivingPath(const std::string& path, const struct stat& node)
+{
+	constexpr std::string_view kDeleted = " (deleted)";
+	if (path.empty() || path[0] != '/')
+		return false; // "(unreachable)/...": outside our root
+	return !path.ends_with(kDeleted) || HasNode(AT_FDCWD, path.c_str(), node);
+}
+
+} // namespace
+
+bool
+IsLeafName(const char* name)
+{
+	return name[0] != '\0' && strchr(name, '/') == nullptr && strcmp(name, ".") != 0 &&
+		strcmp(name, "..") != 0;
+}
+
+status_t
+OpenFolderAt(int base, std::string_view path, FileDescriptor* folder)
+{
+	if (path.empty())
+		return B_ENTRY_NOT_FOUND;
+
+	// The kernel takes at most PATH_MAX bytes at a time: go in steps that end at a slash.
+	FileDescriptor reached;
+	while (path.size() >= PATH_MAX) {
+		size_t cut = path.rfind('/', PATH_MAX - 2);
+		size_t next = path.find_first_not_of('/', cut);
+		if (cut == path.npos)
+			return B_NAME_TOO_LONG;
+		status_t error = OpenShort(base, std::string(path.substr(0, cut + 1)), &reached);
+		if (error != B_OK)
+			return error;
+		base = reached.Get();
+		if (next == path.npos) {
+			*folder = std::move(reached);
+			return B_OK;
+		}
+		path.remove_prefix(next);
+	}
+	return OpenShort(base, std::string(path), folder);
+}
+
+status_t
+GetFolderPath(int folder, std::string* path)
+{
+	std::string below; // what was walked up, each name after its slash
+	FileDescriptor above;
+	struct stat node;
+	if (fstat(folder, &node) != 0)
+		return StatusFromErrno(errno);
+	for (;;) {
+		std::string text;
+		if (ReadKernelPath(folder, &text)) {
+			if (!IsLivingPath(text, node))
+				return B_ENTRY_NOT_FOUND;
+			*path = text == "/" && !below.empty() ? below : text + below;
+			return B_OK;
+		}
+
+		FileDescriptor parent;
+		if (status_t error = OpenShort(folder, "..", &parent); error != B_OK)
+			return error;
+		struct stat parentNode;
+		if (fstat(parent.Get(), &parentNode) != 0)
+			return StatusFromErrno(errno);
+		if (IsSameNode(parentNode, node)) {
+			*path = below.empty() ? std::string(1, '/') : below;
+			return B_OK;
+		}
+		std::string name;
+		if (status_t error = FindName(parent.Get(), node, &name); error != B_OK)
+			return error;
+		name.append(below);
+		below.assign(1, '/').append(name);
+		above = std::move(parent);
+		folder = above.Get();
+		node = parentNode;
+	}
+}
+
+status_t
+GetFolderEntry(const FolderHandle& folder, FolderHandle* parent, std::string* name)
+{
+	DirectoryTable& table = DirectoryTable::Instance();
+	if (table.IsRoot(folder->Node())) {
+		name->assign(1, '/');
+		*parent = folder;
+		return B_OK;
+	}
+
+	struct stat node;
+	FileDescriptor above;
+	if (fstat(folder->Descriptor(), &node) != 0)
+		return StatusFromErrno(errno);
+	if (status_t error = OpenShort(folder->Descriptor(), "..", &above); error != B_OK)
+		return error;
+
+	std::string text;
+	if (ReadKernelPath(folder->Descriptor(), &text))
+		text.erase(0, text.rfind('/') + 1);
+	if (text.empty() || !HasNode(above.Get(), text.c_str(), node)) {
+		if (status_t error = FindName(above.Get(), node, &text); error != B_OK)
+			return error;
+	}
+	*name = std::move(text);
+	return table.Add(std::move(above), parent);
+}
+
+status_t
+LocateEntry(int base, std::string_view path, FolderHandle* folder, std::string* name)
+{
+	if (path.empty())
+		return B_ENTRY_NOT_FOUND;
+	DirectoryTable& table = DirectoryTable::Instance();
+	std::string_view folderPath = path;
+	std::string_view leaf;
+	if (size_t end = path.find_last_not_of('/'); end != path.npos) {
+		size_t start = path.rfind('/', end) + 1; // 0 when there is none
+		leaf = path.substr(start, end + 1 - start);
+		if (leaf != "." && leaf != "..")
+			folderPath = start == 0 ? "." : path.substr(0, start);
+		else
+			leaf = {};
+	}
+	if (leaf.size() >= B_FILE_NAME_LENGTH)
+		return B_NAME_TOO_LONG;
+
+	FileDescriptor descriptor;
+	if (status_t error = OpenFolderAt(base, folderPath, &descriptor); error != B_OK)
+		return error;
+	FolderHandle opened;
+	if (status_t error = table.Add(std::move(descriptor), &opened); error != B_OK)
+		return error;
+	if (leaf.empty())
+		return GetFolderEntry(opened, folder, name);
+	*name = leaf;
+	*folder = std::move(opened);
+	return B_OK;
+}
+
+} // namespace BPrivate

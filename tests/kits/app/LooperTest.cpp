@@ -1,0 +1,340 @@
+// SPDX-License-Identifier: MIT
+
+#include <app/AppDefs.h>
+#include <app/Looper.h>
+#include <app/Messenger.h>
+
+#include "tests/support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <random>
+#include <vector>
+
+namespace {
+
+constexpr uint32 kMsgNumber = 'numb';
+constexpr uint32 kMsgQuitInside = 'quin';
+constexpr uint32 kMsgAsk = 'ask?';
+
+// Notes what it gets, and in which thread.
+class Recorder : public BLooper {
+public:
+	explicit Recorder(std::atomic<int>* deaths = nullptr) : BLooper("recorder"), fDeaths(deaths) {}
+
+	void MessageReceived(BMessage* message) override
+	{
+		EXPECT_EQ(find_thread(nullptr), Thread());
+		EXPECT_TRUE(IsLocked());
+		EXPECT_EQ(message, CurrentMessage());
+		int32 number = -1;
+		switch (message->what) {
+			case kMsgNumber:
+				message->FindInt32("number", &number);
+				fNumbers.push_back(number);
+				fCount++;
+				break;
+			case kMsgQuitInside:
+				Quit();
+				FAIL() << "Quit() came back";
+				break;
+			case kMsgAsk: {
+				BMessage answer(B_REPLY);
+				answer.AddInt32("answer", 42);
+				message->SendReply(&answer);
+				break;
+			}
+			default:
+				BLooper::MessageReceived(message);
+		}
+	}
+
+	int Count() const { return fCount; }
+	std::vector<int32> Numbers() // caller holds the lock
+	{
+		return fNumbers;
+	}
+
+protected:
+	~Recorder() override
+	{
+		if (fDeaths != nullptr)
+			(*fDeaths)++;
+	}
+
+private:
+	std::vector<int32> fNumbers;
+	std::atomic<int> fCount = 0;
+	std::atomic<int>* fDeaths;
+};
+
+status_t
+PostNumber(BLooper* looper, int32 number)
+{
+	BMessage message(kMsgNumber);
+	message.AddInt32("number", number);
+	return looper->PostMessage(&message);
+}
+
+void
+LockAndQuit(BLooper* looper)
+{
+	ASSERT_TRUE(looper->Lock());
+	looper->Quit();
+}
+
+} // namespace
+
+TEST(Looper, HandlesMessagesInTheOrderPosted)
+{
+	Recorder* looper = new Recorder;
+	for (int32 i = 0; i < 10; i++)
+		PostNumber(looper, i); // waits for Run()
+	looper->Run();
+	for (int32 i = 10; i < 1000; i++)
+		PostNumber(looper, i);
+	ASSERT_TRUE(WaitUntil([&] { return looper->Count() == 1000; }));
+	ASSERT_TRUE(looper->Lock());
+	std::vector<int32> numbers = looper->Numbers();
+	for (int32 i = 0; i < 1000; i++)
+		ASSERT_EQ(i, numbers[i]);
+	looper->Quit();
+}
+
+TEST(Looper, IsBornLockedAndRunUnlocks)
+{
+	Recorder* looper = new Recorder;
+	EXPECT_TRUE(looper->IsLocked());
+	looper->Run();
+	EXPECT_FALSE(looper->IsLocked());
+	LockAndQuit(looper);
+}
+
+TEST(Looper, LocksAreRecursive)
+{
+	Recorder* looper = new Recorder;
+	looper->Run();
+	ASSERT_TRUE(looper->Lock());
+	ASSERT_TRUE(looper->Lock());
+	looper->Unlock();
+	EXPECT_TRUE(looper->IsLocked());
+	looper->Unlock();
+	EXPECT_FALSE(looper->IsLocked());
+	LockAndQuit(looper);
+}
+
+TEST(Looper, LockWithTimeoutGivesUp)
+{
+	Recorder* looper = new Recorder; // locked by this thread
+	struct Other {
+		BLooper* looper;
+		status_t status = B_OK;
+	} other{looper};
+	thread_id thread = spawn_thread(
+		[](void* data) -> int32 {
+			Other* self = static_cast<Other*>(data);
+			self->status = self->looper->LockWithTimeout(2000);
+			return 0;
+		},
+		"locker", B_NORMAL_PRIORITY, &other);
+	wait_for_thread(thread);
+	EXPECT_EQ(B_TIMED_OUT, other.status);
+	looper->Quit(); // never ran
+}
+
+TEST(Looper, CallsThroughAStalePointerFail)
+{
+	Recorder* looper = new Recorder;
+	looper->Run();
+	BMessenger messenger(looper);
+	EXPECT_TRUE(messenger.IsValid());
+	LockAndQuit(looper);
+
+	EXPECT_FALSE(looper->Lock());
+	EXPECT_EQ(B_BAD_VALUE, looper->LockWithTimeout(1000));
+	EXPECT_FALSE(looper->IsLocked());
+	looper->Unlock();
+	EXPECT_EQ(B_BAD_PORT_ID, looper->PostMessage(kMsgNumber));
+	EXPECT_FALSE(messenger.IsValid());
+	EXPECT_FALSE(messenger.LockTarget());
+	EXPECT_EQ(nullptr, messenger.Target(nullptr));
+	BMessage message(kMsgNumber);
+	EXPECT_EQ(B_BAD_PORT_ID, messenger.SendMessage(&message));
+	BMessage reply;
+	EXPECT_EQ(B_BAD_PORT_ID, messenger.SendMessage(&message, &reply));
+}
+
+TEST(Looper, WaitersForALockOfADyingLooperAreTurnedAway)
+{
+	static std::atomic<int> waiting;
+	static std::atomic<int> refused;
+	waiting = refused = 0;
+	class Dying : public BLooper {
+	public:
+		void MessageReceived(BMessage*) override
+		{
+			EXPECT_TRUE(WaitUntil([] { return waiting == 8; }));
+			Quit();
+		}
+	};
+	Dying* looper = new Dying;
+	looper->PostMessage('quit');
+	looper->Run();
+	std::vector<thread_id> threads;
+	for (int i = 0; i < 8; i++) {
+		threads.push_back(spawn_thread(
+			[](void* data) -> int32 {
+				BLooper* target = static_cast<BLooper*>(data);
+				// Until the hook has the lock it may be had.
+				while (target->LockWithTimeout(0) == B_OK) {
+					target->Unlock();
+					snooze(100);
+				}
+				waiting++;
+				if (!target->Lock())
+					refused++;
+				else
+					target->Unlock();
+				return 0;
+			},
+			"waiter", B_NORMAL_PRIORITY, looper));
+		resume_thread(threads.back());
+	}
+	for (thread_id thread : threads)
+		wait_for_thread(thread);
+	EXPECT_EQ(8, refused);
+}
+
+TEST(Looper, QuitInAHookDoesNotComeBack)
+{
+	std::atomic<int> deaths = 0;
+	Recorder* looper = new Recorder(&deaths);
+	looper->Run();
+	BMessenger messenger(looper);
+	looper->PostMessage(kMsgQuitInside);
+	ASSERT_TRUE(WaitUntil([&] { return deaths == 1; }));
+	EXPECT_FALSE(messenger.IsValid());
+}
+
+TEST(Looper, QuitRequestedMayRefuse)
+{
+	class Stubborn : public BLooper {
+	public:
+		bool QuitRequested() override { return ++asked > 1; }
+		std::atomic<int> asked = 0;
+	};
+	Stubborn* looper = new Stubborn;
+	looper->Run();
+	BMessenger messenger(looper);
+	looper->PostMessage(B_QUIT_REQUESTED);
+	ASSERT_TRUE(WaitUntil([&] { return looper->asked == 1; }));
+	EXPECT_TRUE(looper->Lock());
+	looper->Unlock();
+	looper->PostMessage(B_QUIT_REQUESTED);
+	EXPECT_TRUE(WaitUntil([&] { return !messenger.IsValid(); }));
+}
+
+TEST(Looper, SendersThatWaitAreTold)
+{
+	Recorder* looper = new Recorder;
+	looper->Run();
+	BMessenger messenger(looper);
+	BMessage ask(kMsgAsk), reply;
+	ASSERT_EQ(B_OK, messenger.SendMessage(&ask, &reply));
+	int32 answer = 0;
+	EXPECT_EQ(B_OK, reply.FindInt32("answer", &answer));
+	EXPECT_EQ(42, answer);
+
+	BMessage unknown('unkn');
+	ASSERT_EQ(B_OK, messenger.SendMessage(&unknown, &reply));
+	EXPECT_EQ(B_MESSAGE_NOT_UNDERSTOOD, reply.what);
+
+	// Locked by us the looper cannot answer in time; the late answer harms nobody.
+	ASSERT_TRUE(looper->Lock());
+	EXPECT_EQ(B_TIMED_OUT, messenger.SendMessage(&ask, &reply, B_INFINITE_TIMEOUT, 1000));
+	// What is still queued when the looper ends is answered too.
+	looper->Unlock();
+	LockAndQuit(looper);
+}
+
+TEST(Looper, HandlersMayLeaveWhileMessagesForThemWait)
+{
+	class Counter : public BHandler {
+	public:
+		void MessageReceived(BMessage*) override { count++; }
+		int count = 0;
+	};
+	Recorder* looper = new Recorder;
+	Counter stays, leaves;
+	looper->AddHandler(&stays);
+	EXPECT_EQ(B_MISMATCHED_VALUES, looper->PostMessage(kMsgNumber, &leaves));
+	looper->AddHandler(&leaves);
+	EXPECT_EQ(B_OK, looper->PostMessage(kMsgNumber, &leaves));
+	EXPECT_EQ(B_OK, looper->PostMessage(kMsgNumber, &stays));
+	BMessenger messenger(&leaves);
+	looper->RemoveHandler(&leaves);
+	EXPECT_FALSE(messenger.LockTarget());
+	looper->Run();
+	PostNumber(looper, 0);
+	ASSERT_TRUE(WaitUntil([&] { return looper->Count() == 1; }));
+	ASSERT_TRUE(looper->Lock());
+	EXPECT_EQ(1, stays.count);
+	EXPECT_EQ(0, leaves.count);
+	looper->RemoveHandler(&stays);
+	looper->Quit();
+}
+
+TEST(Looper, APolledLockDoesNotStarveTheLooper)
+{
+	Recorder* looper = new Recorder;
+	looper->Run();
+	for (int32 i = 0; i < 100; i++)
+		PostNumber(looper, i);
+	// Unlocking and locking again at once lets the looper in between each time.
+	int rounds = 0;
+	while (looper->Count() < 100 && rounds < 100000) {
+		ASSERT_TRUE(looper->Lock());
+		looper->Unlock();
+		rounds++;
+	}
+	EXPECT_EQ(100, looper->Count());
+	LockAndQuit(looper);
+}
+
+TEST(Looper, HundredsAreMadeFloodedAndQuit)
+{
+	constexpr unsigned kSeed = 20261121;
+	RecordProperty("seed", kSeed);
+	std::mt19937 random(kSeed);
+	std::atomic<int> deaths = 0;
+	constexpr int kLoopers = 300;
+	std::vector<Recorder*> loopers;
+	std::vector<BMessenger> messengers;
+	for (int i = 0; i < kLoopers; i++) {
+		loopers.push_back(new Recorder(&deaths));
+		messengers.emplace_back(loopers.back());
+		loopers.back()->Run();
+	}
+	for (int i = 0; i < 20000; i++) {
+		BMessage message(kMsgNumber);
+		message.AddInt32("number", i);
+		messengers[random() % kLoopers].SendMessage(&message);
+	}
+	// Some end in their own thread, some by this one, some by the request, all flooded.
+	for (int i = 0; i < kLoopers; i++) {
+		switch (random() % 3) {
+			case 0:
+				messengers[i].SendMessage(kMsgQuitInside);
+				break;
+			case 1:
+				loopers[i]->PostMessage(B_QUIT_REQUESTED);
+				break;
+			default:
+				LockAndQuit(loopers[i]);
+		}
+		BMessage message(kMsgNumber);
+		messengers[random() % kLoopers].SendMessage(&message);
+	}
+	EXPECT_TRUE(WaitUntil([&] { return deaths == kLoopers; }));
+}

@@ -1,0 +1,518 @@
+// SPDX-License-Identifier: MIT
+
+// The fields of BMessage: every type, errors, ownership, and a random walk beside a plain model.
+
+#include <app/AppDefs.h>
+#include <app/Handler.h>
+#include <app/Looper.h>
+#include <app/Message.h>
+#include <app/MessagePrivate.h>
+#include <app/Messenger.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// Value number n of each type; -1 is what a variable holds before a Find.
+template <typename T>
+T
+Sample(int n)
+{
+	if constexpr (std::is_same_v<T, bool>)
+		return n % 2 != 0;
+	else if constexpr (std::is_same_v<T, void*>) {
+		static char targets[5];
+		return &targets[n + 1];
+	} else if constexpr (std::is_same_v<T, BPoint>)
+		return BPoint(static_cast<float>(n), 0.5f);
+	else if constexpr (std::is_same_v<T, BRect>)
+		return BRect(static_cast<float>(n), 1, 2.5f, 1e9f);
+	else if constexpr (std::is_same_v<T, entry_ref>)
+		return entry_ref(0x100000005, 77, std::string(static_cast<size_t>(n) + 2, 'n').c_str());
+	else if constexpr (std::is_same_v<T, BMessage>)
+		return BMessage(static_cast<uint32>(n));
+	else if constexpr (std::is_same_v<T, const char*>) {
+		static const char* const kTexts[] = {"preset", "", "short", "a text beyond inline storage"};
+		return kTexts[n + 1];
+	} else
+		// Beyond 32 bits where the type has them.
+		return static_cast<T>(n * (sizeof(T) == 8 ? 0x700000000LL : 1) - 3);
+}
+
+template <typename T>
+bool
+Same(const T& a, const T& b)
+{
+	if constexpr (std::is_same_v<T, BMessage>)
+		return a.what == b.what;
+	else if constexpr (std::is_same_v<T, const char*>)
+		return std::string(a) == b;
+	else
+		return a == b;
+}
+
+// References and messages are handed over by pointer.
+template <typename T>
+auto
+Argument(const T& value)
+{
+	if constexpr (std::is_same_v<T, entry_ref> || std::is_same_v<T, BMessage>)
+		return &value;
+	else
+		return value;
+}
+
+// What a failed Find must leave behind.
+template <typename T>
+bool
+IsFailed(const T& value)
+{
+	if constexpr (std::is_same_v<T, void*> || std::is_same_v<T, const char*>)
+		return value == nullptr;
+	else
+		return Same(value, Sample<T>(-1));
+}
+
+struct TypeCase {
+	type_code type;
+	std::function<status_t(BMessage&, const char*, int n)> add;
+	// Checks that the result is sample n or, when it failed, as it has to be.
+	std::function<status_t(const BMessage&, const char*, int32 index, int n)> find;
+	std::function<status_t(const BMessage&, const char*, int n)> findFirst;
+	std::function<status_t(BMessage&, const char*, int32 index, int n)> replace;
+	std::function<status_t(BMessage&, const char*, int n)> replaceFirst;
+	std::function<bool(const BMessage&, const char*, int32 index)> has;
+};
+
+#define TYPE_CASE(Name, T, code)                                                                   \
+	TypeCase                                                                                       \
+	{                                                                                              \
+		code,                                                                                      \
+			[](BMessage& message, const char* name, int n) {                                       \
+				T sample = Sample<T>(n);                                                           \
+				return message.Add##Name(name, Argument(sample));                                  \
+			},                                                                                     \
+			[](const BMessage& message, const char* name, int32 index, int n) {                    \
+				T value = Sample<T>(-1);                                                           \
+				status_t status = message.Find##Name(name, index, &value);                         \
+				EXPECT_TRUE(status == B_OK ? Same(value, Sample<T>(n)) : IsFailed(value));         \
+				return status;                                                                     \
+			},                                                                                     \
+			[](const BMessage& message, const char* name, int n) {                                 \
+				T value = Sample<T>(-1);                                                           \
+				status_t status = message.Find##Name(name, &value);                                \
+				EXPECT_TRUE(status == B_OK ? Same(value, Sample<T>(n)) : IsFailed(value));         \
+				return status;                                                                     \
+			},                                                                                     \
+			[](BMessage& message, const char* name, int32 index, int n) {                          \
+				T sample = Sample<T>(n);                                                           \
+				return message.Replace##Name(name, index, Argument(sample));                       \
+			},                                                                                     \
+			[](BMessage& message, const char* name, int n) {                                       \
+				T sample = Sample<T>(n);                                                           \
+				return message.Replace##Name(name, Argument(sample));                              \
+			},                                                                                     \
+			[](const BMessage& message, const char* name, int32 index) {                           \
+				return message.Has##Name(name, index);                                             \
+			}                                                                                      \
+	}
+
+std::vector<TypeCase>
+AllTypes()
+{
+	return {TYPE_CASE(Bool, bool, B_BOOL_TYPE), TYPE_CASE(Int8, int8, B_INT8_TYPE),
+		TYPE_CASE(Int16, int16, B_INT16_TYPE), TYPE_CASE(Int32, int32, B_INT32_TYPE),
+		TYPE_CASE(Int64, int64, B_INT64_TYPE), TYPE_CASE(UInt32, uint32, B_UINT32_TYPE),
+		TYPE_CASE(UInt64, uint64, B_UINT64_TYPE), TYPE_CASE(Float, float, B_FLOAT_TYPE),
+		TYPE_CASE(Double, double, B_DOUBLE_TYPE), TYPE_CASE(Point, BPoint, B_POINT_TYPE),
+		TYPE_CASE(Rect, BRect, B_RECT_TYPE), TYPE_CASE(Pointer, void*, B_POINTER_TYPE),
+		TYPE_CASE(String, const char*, B_STRING_TYPE), TYPE_CASE(Ref, entry_ref, B_REF_TYPE),
+		TYPE_CASE(Message, BMessage, B_MESSAGE_TYPE)};
+}
+
+// A message with three samples of every type; the fields are named "0", "1" ...
+BMessage
+FullMessage(const std::vector<TypeCase>& types)
+{
+	BMessage message('full');
+	for (size_t i = 0; i < types.size(); i++) {
+		for (int n = 0; n < 3; n++)
+			EXPECT_EQ(types[i].add(message, std::to_string(i).c_str(), n), B_OK);
+	}
+	return message;
+}
+
+std::string
+StringAt(const BMessage& message, const char* name, int32 index = 0)
+{
+	const char* text = nullptr;
+	return message.FindString(name, index, &text) == B_OK ? text : "(none)";
+}
+
+std::string
+DataAt(const BMessage& message, const char* name, type_code type, int32 index)
+{
+	const void* data = nullptr;
+	ssize_t length = 0;
+	if (message.FindData(name, type, index, &data, &length) != B_OK)
+		return "(none)";
+	return std::string(static_cast<const char*>(data), static_cast<size_t>(length));
+}
+
+} // namespace
+
+TEST(Message, EveryTypeKeepsItsValuesInOrder)
+{
+	std::vector<TypeCase> types = AllTypes();
+	BMessage message = FullMessage(types);
+	for (size_t i = 0; i < types.size(); i++) {
+		SCOPED_TRACE(i);
+		std::string name = std::to_string(i);
+		int found = 0;
+		while (types[i].find(message, name.c_str(), found, found) == B_OK)
+			found++;
+		EXPECT_EQ(found, 3);
+		EXPECT_EQ(types[i].findFirst(message, name.c_str(), 0), B_OK);
+		for (int32 index : {-1, 3, INT32_MIN, INT32_MAX}) {
+			EXPECT_EQ(types[i].find(message, name.c_str(), index, 0), B_BAD_INDEX);
+			EXPECT_EQ(types[i].replace(message, name.c_str(), index, 0), B_BAD_INDEX);
+			EXPECT_FALSE(types[i].has(message, name.c_str(), index));
+		}
+		EXPECT_TRUE(types[i].has(message, name.c_str(), 2));
+
+		type_code type = 0;
+		int32 count = 0;
+		EXPECT_EQ(message.GetInfo(name.c_str(), &type, &count), B_OK);
+		EXPECT_EQ(type, types[i].type);
+		EXPECT_EQ(count, 3);
+	}
+}
+
+TEST(Message, ReplaceChangesOneItemAndNeverAdds)
+{
+	std::vector<TypeCase> types = AllTypes();
+	BMessage message = FullMessage(types);
+	for (size_t i = 0; i < types.size(); i++) {
+		SCOPED_TRACE(i);
+		std::string name = std::to_string(i);
+		EXPECT_EQ(types[i].replace(message, name.c_str(), 2, 1), B_OK);
+		EXPECT_EQ(types[i].replaceFirst(message, name.c_str(), 2), B_OK);
+		EXPECT_EQ(types[i].find(message, name.c_str(), 0, 2), B_OK);
+		EXPECT_EQ(types[i].find(message, name.c_str(), 1, 1), B_OK);
+		EXPECT_EQ(types[i].find(message, name.c_str(), 2, 1), B_OK);
+		EXPECT_EQ(types[i].replaceFirst(message, "other", 0), B_NAME_NOT_FOUND);
+		EXPECT_EQ(message.GetInfo("other", nullptr), B_NAME_NOT_FOUND);
+	}
+}
+
+TEST(Message, TypesAreNeverTakenForEachOther)
+{
+	std::vector<TypeCase> types = AllTypes();
+	BMessage message = FullMessage(types);
+	for (size_t i = 0; i < types.size(); i++) {
+		for (size_t field = 0; field < types.size(); field++) {
+			if (field == i)
+				continue;
+			SCOPED_TRACE(std::to_string(i) + " in " + std::to_string(field));
+			std::string name = std::to_string(field);
+			EXPECT_EQ(types[i].find(message, name.c_str(), 0, 0), B_BAD_TYPE);
+			EXPECT_EQ(types[i].add(message, name.c_str(), 0), B_BAD_TYPE);
+			EXPECT_EQ(types[i].replaceFirst(message, name.c_str(), 0), B_BAD_TYPE);
+			EXPECT_FALSE(types[i].has(message, name.c_str(), 0));
+		}
+		EXPECT_EQ(types[i].find(message, "other", 0, 0), B_NAME_NOT_FOUND);
+	}
+}
+
+TEST(Message, NullArgumentsAreRefused)
+{
+	BMessage message;
+	for (const TypeCase& type : AllTypes()) {
+		EXPECT_EQ(type.add(message, nullptr, 0), B_BAD_VALUE);
+		EXPECT_EQ(type.findFirst(message, nullptr, 0), B_BAD_VALUE);
+		EXPECT_EQ(type.replaceFirst(message, nullptr, 0), B_BAD_VALUE);
+		EXPECT_FALSE(type.has(message, nullptr, 0));
+	}
+	EXPECT_EQ(message.AddString("s", nullptr), B_BAD_VALUE);
+	EXPECT_EQ(message.AddRef("r", nullptr), B_BAD_VALUE);
+	EXPECT_EQ(message.AddMessage("m", nullptr), B_BAD_VALUE);
+	EXPECT_EQ(message.AddData("d", B_RAW_TYPE, nullptr, 1), B_BAD_VALUE);
+	EXPECT_EQ(message.AddData("d", B_RAW_TYPE, "", -1), B_BAD_VALUE);
+	EXPECT_EQ(message.AddData("d", B_ANY_TYPE, "", 1), B_BAD_VALUE);
+	EXPECT_EQ(message.RemoveName(nullptr), B_BAD_VALUE);
+	EXPECT_EQ(message.RemoveData(nullptr), B_BAD_VALUE);
+	EXPECT_EQ(message.GetInfo(nullptr, nullptr), B_BAD_VALUE);
+	EXPECT_TRUE(message.IsEmpty());
+}
+
+TEST(Message, DataItemsKeepTheirOwnLengths)
+{
+	const std::vector<std::string> paths = {"/a", "", std::string(21, 'x'), std::string(22, 'y'),
+		std::string(23, 'z'), std::string("zero\0in it", 10), std::string(100000, 'w')};
+	BMessage message;
+	for (const std::string& path : paths) {
+		EXPECT_EQ(message.AddData("text/plain", B_MIME_TYPE, path.data(),
+					  static_cast<ssize_t>(path.size()), true, static_cast<int32>(paths.size())),
+			B_OK);
+	}
+	for (size_t i = 0; i < paths.size(); i++) {
+		EXPECT_EQ(DataAt(message, "text/plain", B_MIME_TYPE, static_cast<int32>(i)), paths[i]);
+		const void* data = nullptr;
+		EXPECT_EQ(message.FindData("text/plain", B_ANY_TYPE, static_cast<int32>(i), &data, nullptr),
+			B_OK);
+		EXPECT_EQ(reinterpret_cast<uintptr_t>(data) % alignof(int64), 0u);
+		// Readers that take it for text must find an end.
+		EXPECT_EQ(static_cast<const char*>(data)[paths[i].size()], '\0');
+	}
+	EXPECT_EQ(message.ReplaceData("text/plain", B_MIME_TYPE, 1, "longer", 6), B_OK);
+	EXPECT_EQ(DataAt(message, "text/plain", B_MIME_TYPE, 1), "longer");
+	EXPECT_FALSE(message.HasData("text/plain", B_MIME_STRING_TYPE));
+
+	const void* data = &message;
+	ssize_t length = 99;
+	EXPECT_EQ(message.FindData("text/plain", B_RAW_TYPE, &data, &length), B_BAD_TYPE);
+	EXPECT_EQ(data, nullptr);
+	EXPECT_EQ(length, 99);
+}
+
+TEST(Message, DataOfATypeIsReadByThatTypesFind)
+{
+	BMessage message;
+	int32 number = 0x01020304;
+	EXPECT_EQ(message.AddData("number", B_INT32_TYPE, &number, sizeof(number)), B_OK);
+	EXPECT_EQ(message.AddData("number", B_INT32_TYPE, &number, 3), B_BAD_VALUE);
+	EXPECT_EQ(message.ReplaceData("number", B_INT32_TYPE, &number, 5), B_BAD_VALUE);
+	int32 read = 0;
+	EXPECT_EQ(message.FindInt32("number", &read), B_OK);
+	EXPECT_EQ(read, number);
+
+	message.AddData("text", B_STRING_TYPE, "without end", 7);
+	EXPECT_EQ(StringAt(message, "text"), "without");
+	message.AddString("text", "four");
+	EXPECT_EQ(DataAt(message, "text", B_STRING_TYPE, 1), std::string("four\0", 5));
+
+	const uint8 two = 2;
+	bool flag = false;
+	message.AddData("flag", B_BOOL_TYPE, &two, 1);
+	EXPECT_EQ(message.FindBool("flag", &flag), B_OK);
+	EXPECT_TRUE(flag);
+
+	// A reference travels as bytes; one that is cut short is none.
+	entry_ref unnamed;
+	message.AddRef("ref", &unnamed);
+	std::string bytes = DataAt(message, "ref", B_REF_TYPE, 0);
+	EXPECT_EQ(message.AddData("copy", B_REF_TYPE, bytes.data(), 16), B_OK);
+	EXPECT_EQ(message.AddData("copy", B_REF_TYPE, bytes.data(), 15), B_BAD_VALUE);
+	entry_ref copy(1, 2, "preset");
+	EXPECT_EQ(message.FindRef("copy", &copy), B_OK);
+	EXPECT_EQ(copy, unnamed);
+
+	message.AddMessage("message", &message);
+	const void* data = &message;
+	EXPECT_EQ(message.FindData("message", B_ANY_TYPE, &data, nullptr), B_BAD_TYPE);
+	EXPECT_EQ(message.AddData("message", B_MESSAGE_TYPE, "x", 1), B_BAD_TYPE);
+	EXPECT_FALSE(message.HasData("message", B_MESSAGE_TYPE));
+}
+
+TEST(Message, FoundPointersSurviveChangesToOtherFields)
+{
+	BMessage message;
+	message.AddString("short", "inline");
+	message.AddString("long", std::string(1000, 'l').c_str());
+	const char* shortText = nullptr;
+	const void* longText = nullptr;
+	ASSERT_EQ(message.FindString("short", &shortText), B_OK);
+	ASSERT_EQ(message.FindData("long", B_STRING_TYPE, &longText, nullptr), B_OK);
+
+	for (int i = 0; i < 200; i++)
+		message.AddInt32(("number " + std::to_string(i)).c_str(), i);
+	for (int i = 0; i < 200; i += 2)
+		message.RemoveName(("number " + std::to_string(i)).c_str());
+	BMessage moved(std::move(message));
+
+	EXPECT_STREQ(shortText, "inline");
+	EXPECT_EQ(static_cast<const char*>(longText), std::string(1000, 'l'));
+	const char* again = nullptr;
+	moved.FindString("short", &again);
+	EXPECT_EQ(again, shortText);
+}
+
+TEST(Message, CopiesAreIndependent)
+{
+	std::vector<TypeCase> types = AllTypes();
+	BMessage message = FullMessage(types);
+	BMessage copy(message);
+	BMessage assigned;
+	assigned.AddString("old", "goes");
+	assigned = message;
+	for (size_t i = 0; i < types.size(); i++)
+		message.RemoveName(std::to_string(i).c_str());
+	EXPECT_TRUE(message.IsEmpty());
+	message = BMessage();
+
+	EXPECT_FALSE(assigned.HasString("old"));
+	for (const BMessage* each : {&copy, &assigned}) {
+		EXPECT_EQ(each->what, static_cast<uint32>('full'));
+		for (size_t i = 0; i < types.size(); i++)
+			EXPECT_EQ(types[i].find(*each, std::to_string(i).c_str(), 2, 2), B_OK);
+	}
+	copy.ReplaceString("12", 0, "changed in the copy only");
+	EXPECT_EQ(StringAt(assigned, "12"), "");
+}
+
+TEST(Message, AMessageCanHoldCopiesOfItself)
+{
+	BMessage message('self');
+	message.AddString("text", "outer");
+	EXPECT_EQ(message.AddMessage("me", &message), B_OK);
+	EXPECT_EQ(message.AddMessage("me", &message), B_OK);
+	message.ReplaceString("text", "changed");
+
+	BMessage inner;
+	EXPECT_EQ(message.FindMessage("me", 1, &inner), B_OK);
+	EXPECT_EQ(StringAt(inner, "text"), "outer");
+	EXPECT_TRUE(inner.HasMessage("me", 0));
+	EXPECT_FALSE(inner.HasMessage("me", 1));
+
+	EXPECT_EQ(message.ReplaceMessage("me", 1, &message), B_OK);
+	// The message replaces itself by what it holds.
+	EXPECT_EQ(message.FindMessage("me", 0, &message), B_OK);
+	EXPECT_EQ(StringAt(message, "text"), "outer");
+	EXPECT_FALSE(message.HasMessage("me"));
+
+	BMessage& itself = message;
+	message = itself;
+	message = std::move(itself);
+	EXPECT_EQ(StringAt(message, "text"), "outer");
+}
+
+TEST(Message, ValuesMayComeFromTheFieldThatTheyGoInto)
+{
+	BMessage message;
+	const std::string longText(500, 't');
+	message.AddString("text", "short");
+	message.AddString("text", longText.c_str());
+	for (int i = 0; i < 100; i++) {
+		const char* text = nullptr;
+		message.FindString("text", i, &text);
+		message.AddString("text", text);
+	}
+	EXPECT_EQ(StringAt(message, "text", 100), "short");
+	EXPECT_EQ(StringAt(message, "text", 101), longText);
+	const char* text = nullptr;
+	message.FindString("text", 1, &text);
+	message.ReplaceString("text", 1, text + 499);
+	EXPECT_EQ(StringAt(message, "text", 1), "t");
+}
+
+TEST(Message, MessengersAreValues)
+{
+	BLooper* looper = new BLooper("target");
+	BMessage message;
+	message.AddMessenger("to", BMessenger());
+	message.AddMessenger("to", BMessenger(nullptr, looper));
+	BMessage copy(message);
+	message.ReplaceMessenger("to", 1, BMessenger());
+
+	BMessenger found;
+	EXPECT_EQ(copy.FindMessenger("to", 1, &found), B_OK);
+	EXPECT_EQ(found, BMessenger(nullptr, looper));
+	EXPECT_EQ(copy.FindMessenger("to", 2, &found), B_BAD_INDEX);
+	EXPECT_EQ(copy.FindMessenger("other", &found), B_NAME_NOT_FOUND);
+	EXPECT_EQ(found, BMessenger(nullptr, looper));
+	EXPECT_EQ(message.FindMessenger("to", 1, &found), B_OK);
+	EXPECT_EQ(found, BMessenger());
+	EXPECT_TRUE(copy.HasMessenger("to", 1));
+	EXPECT_FALSE(copy.HasInt64("to"));
+	looper->Quit();
+}
+
+// Strings of random lengths under a few names, checked against vectors after every step.
+TEST(Message, RandomChangesAgreeWithAPlainModel)
+{
+	using Model = std::vector<std::pair<std::string, std::vector<std::string>>>;
+	std::mt19937 random(20);
+	Model model;
+	BMessage message;
+	for (int step = 0; step < 5000; step++) {
+		std::string name(1, static_cast<char>('a' + random() % 6));
+		std::string value(random() % 40, static_cast<char>('A' + step % 26));
+		int32 index = static_cast<int32>(random() % 5);
+		auto field = std::find_if(
+			model.begin(), model.end(), [&](const auto& each) { return each.first == name; });
+		bool exists = field != model.end();
+		bool inRange = exists && index < static_cast<int32>(field->second.size());
+		status_t expected = inRange ? B_OK : exists ? B_BAD_INDEX : B_NAME_NOT_FOUND;
+		switch (random() % 8) {
+			case 0:
+				EXPECT_EQ(message.ReplaceString(name.c_str(), index, value.c_str()), expected);
+				if (inRange)
+					field->second[index] = value;
+				break;
+			case 1:
+			case 2:
+				EXPECT_EQ(message.RemoveData(name.c_str(), index), expected);
+				if (inRange)
+					field->second.erase(field->second.begin() + index);
+				if (exists && field->second.empty())
+					model.erase(field);
+				break;
+			case 3:
+				EXPECT_EQ(message.RemoveName(name.c_str()), exists ? B_OK : B_NAME_NOT_FOUND);
+				if (exists)
+					model.erase(field);
+				break;
+			case 4:
+				message = step % 2 == 0 ? BMessage(message) : BMessage(std::move(message));
+				break;
+			default:
+				EXPECT_EQ(message.AddString(name.c_str(), value.c_str()), B_OK);
+				if (exists)
+					field->second.push_back(value);
+				else
+					model.push_back({name, {value}});
+		}
+
+		Model read;
+		for (const BPrivate::Field& each : BPrivate::MessageAccess::Fields(message).All()) {
+			read.push_back({each.name, {}});
+			for (int32 i = 0; i < each.Count(); i++)
+				read.back().second.push_back(StringAt(message, each.name.c_str(), i));
+		}
+		ASSERT_EQ(read, model) << "step " << step;
+		ASSERT_EQ(message.IsEmpty(), model.empty());
+	}
+	message.what = 'keep';
+	message.MakeEmpty();
+	EXPECT_TRUE(message.IsEmpty());
+	EXPECT_EQ(message.what, static_cast<uint32>('keep'));
+}
+
+TEST(Message, DropPointIsKnownToDroppedMessagesAndTheirCopies)
+{
+	BMessage message(B_SIMPLE_DATA);
+	message.AddPoint("_drop_point_", BPoint(3, 4));
+	message.AddPoint("_drop_offset_", BPoint(1, 2));
+	BPoint offset(9, 9);
+	EXPECT_FALSE(message.WasDropped());
+	EXPECT_EQ(message.DropPoint(&offset), BPoint(0, 0));
+	EXPECT_EQ(offset, BPoint(9, 9));
+
+	BPrivate::MessageAccess::SetDropped(message, true);
+	BMessage copy(message);
+	BMessage assigned;
+	assigned = message;
+	for (const BMessage* each : {&message, &copy, &assigned}) {
+		EXPECT_TRUE(each->WasDropped());
+		EXPECT_EQ(each->DropPoint(), BPoint(3, 4));
+		each->DropPoint(&offset);
+		EXPECT_EQ(offset, BPoint(1, 2));
+		offset.Set(9, 9);
+	}
+}

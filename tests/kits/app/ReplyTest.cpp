@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+
+// Answers to messages whose senders wait: who gets which, and what becomes of those that never
+// come.
+
+#include <app/AppDefs.h>
+#include <app/Looper.h>
+#include <app/MessagePrivate.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <optional>
+#include <thread>
+
+using BPrivate::MessageAccess;
+using BPrivate::ReplySlot;
+
+namespace {
+
+constexpr bigtime_t kDeadline = 20'000'000;
+
+// A message as it comes out of a looper's queue, and the slot at which its sender waits.
+struct Delivered {
+	Delivered() { MessageAccess::Reply(*message) = slot; }
+
+	// Code of the answer, or 0 when there is none.
+	uint32 Answer(bigtime_t timeout = kDeadline)
+	{
+		BMessage reply;
+		return slot->Wait(&reply, timeout) ? reply.what : 0;
+	}
+
+	std::shared_ptr<ReplySlot> slot = std::make_shared<ReplySlot>();
+	std::optional<BMessage> message = BMessage('ask ');
+};
+
+// Keeps the code of what it received last.
+class Listener : public BHandler {
+public:
+	Listener() : BHandler("listener") {}
+	~Listener() override { delete_sem(fReceived); }
+
+	void MessageReceived(BMessage* message) override
+	{
+		fCode = message->what;
+		release_sem(fReceived);
+	}
+
+	uint32 NextCode()
+	{
+		status_t status = acquire_sem_etc(fReceived, 1, B_RELATIVE_TIMEOUT, kDeadline);
+		return status == B_OK ? fCode.load() : 0;
+	}
+
+private:
+	sem_id fReceived = create_sem(0, "received");
+	std::atomic<uint32> fCode = 0;
+};
+
+// Waits without limit for the answer of the slot that it is given; returns its code.
+int32
+WaitForAnswer(void* slot)
+{
+	// A reference of its own, as a sender has one.
+	std::shared_ptr<ReplySlot> own = *static_cast<std::shared_ptr<ReplySlot>*>(slot);
+	BMessage reply;
+	return own->Wait(&reply, B_INFINITE_TIMEOUT) ? static_cast<int32>(reply.what) : 0;
+}
+
+} // namespace
+
+TEST(Reply, TheFirstAnswerCountsAndTheSecondIsRefused)
+{
+	Delivered delivered;
+	EXPECT_TRUE(delivered.message->IsSourceWaiting());
+	BMessage reply('yes ');
+	reply.AddInt32("value", 5);
+	EXPECT_EQ(delivered.message->SendReply(&reply), B_OK);
+	reply.ReplaceInt32("value", 6);
+	EXPECT_FALSE(delivered.message->IsSourceWaiting());
+	EXPECT_EQ(delivered.message->SendReply('no  '), B_DUPLICATE_REPLY);
+
+	BMessage answer;
+	ASSERT_TRUE(delivered.slot->Wait(&answer, kDeadline));
+	int32 value = 0;
+	answer.FindInt32("value", &value);
+	EXPECT_EQ(answer.what, static_cast<uint32>('yes '));
+	EXPECT_EQ(value, 5);
+	EXPECT_EQ(delivered.message->SendReply('no  '), B_DUPLICATE_REPLY);
+	EXPECT_EQ(delivered.message->SendReply(nullptr), B_BAD_VALUE);
+}
+
+TEST(Reply, AnUnansweredMessageAnswersAtItsEnd)
+{
+	Delivered delivered;
+	delivered.message.reset();
+	EXPECT_EQ(delivered.Answer(), B_NO_REPLY);
+
+	Delivered answered;
+	answered.message->SendReply('yes ');
+	answered.message.reset();
+	EXPECT_EQ(answered.Answer(), static_cast<uint32>('yes '));
+}
+
+TEST(Reply, WithoutSenderOrAddressThereIsNobodyToAnswer)
+{
+	BMessage message;
+	EXPECT_FALSE(message.IsSourceWaiting());
+	EXPECT_EQ(message.SendReply(B_REPLY), B_BAD_REPLY);
+}
+
+TEST(Reply, OnlyTheDeliveredObjectAnswers)
+{
+	Delivered delivered;
+	{
+		BMessage copy(*delivered.message);
+		EXPECT_FALSE(copy.IsSourceWaiting());
+		EXPECT_EQ(copy.SendReply('copy'), B_BAD_REPLY);
+		// New contents leave the duty where it is.
+		*delivered.message = copy;
+		*delivered.message = BMessage('new ');
+	}
+	EXPECT_TRUE(delivered.message->IsSourceWaiting());
+
+	BMessage heir(std::move(*delivered.message));
+	delivered.message.reset();
+	EXPECT_TRUE(heir.IsSourceWaiting());
+	EXPECT_EQ(heir.SendReply('heir'), B_OK);
+	EXPECT_EQ(delivered.Answer(), static_cast<uint32>('heir'));
+}
+
+TEST(Reply, ASenderWhoseTimeIsUpIsNotAnsweredAnyMore)
+{
+	Delivered delivered;
+	bigtime_t start = system_time();
+	EXPECT_EQ(delivered.Answer(20'000), 0u);
+	EXPECT_GE(system_time() - start, 20'000);
+	EXPECT_FALSE(delivered.message->IsSourceWaiting());
+	EXPECT_EQ(delivered.message->SendReply('late'), B_BAD_REPLY);
+
+	// The sender is gone with its share of the slot before the message is.
+	delivered.slot.reset();
+	delivered.message.reset();
+
+	Delivered ready;
+	ready.message->SendReply('now ');
+	EXPECT_EQ(ready.Answer(0), static_cast<uint32>('now '));
+}
+
+TEST(Reply, AWaitingThreadIsWokenByTheAnswer)
+{
+	for (int round = 0; round < 200; round++) {
+		Delivered delivered;
+		int32 answer = 0;
+		std::thread sender([&] { answer = WaitForAnswer(&delivered.slot); });
+		uint32 expected = round % 2 == 0 ? uint32{'word'} : uint32{B_NO_REPLY};
+		if (round % 2 == 0)
+			delivered.message->SendReply('word');
+		else
+			delivered.message.reset();
+		sender.join();
+		EXPECT_EQ(static_cast<uint32>(answer), expected);
+	}
+}
+
+TEST(Reply, AKilledSenderIsFreedAndNotAnswered)
+{
+	Delivered delivered;
+	thread_id thread = spawn_thread(WaitForAnswer, "sender", B_NORMAL_PRIORITY, &delivered.slot);
+	ASSERT_EQ(resume_thread(thread), B_OK);
+	for (bigtime_t end = system_time() + kDeadline; delivered.slot.use_count() < 3;) {
+		ASSERT_LT(system_time(), end);
+		snooze(1000);
+	}
+	EXPECT_EQ(kill_thread(thread), B_OK);
+	EXPECT_EQ(delivered.slot.use_count(), 2);
+	EXPECT_FALSE(delivered.message->IsSourceWaiting());
+	EXPECT_EQ(delivered.message->SendReply('late'), B_BAD_REPLY);
+}
+
+TEST(Reply, AnAddressGetsEveryAnswerUntilItsLooperIsGone)
+{
+	BLooper* looper = new BLooper("listening");
+	Listener listener;
+	looper->AddHandler(&listener);
+	looper->Run();
+
+	BMessage message('ask ');
+	MessageAccess::ReplyTo(message) = std::make_shared<BMessenger>(&listener, looper);
+	EXPECT_FALSE(message.IsSourceWaiting());
+	EXPECT_EQ(message.SendReply('one '), B_OK);
+	EXPECT_EQ(listener.NextCode(), static_cast<uint32>('one '));
+	EXPECT_EQ(message.SendReply('two '), B_OK);
+	EXPECT_EQ(listener.NextCode(), static_cast<uint32>('two '));
+	EXPECT_EQ(BMessage(message).SendReply('copy'), B_BAD_REPLY);
+
+	ASSERT_TRUE(looper->Lock());
+	looper->RemoveHandler(&listener);
+	looper->Quit();
+	EXPECT_EQ(message.SendReply('late'), B_BAD_PORT_ID);
+}

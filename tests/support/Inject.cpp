@@ -1,0 +1,324 @@
+// SPDX-License-Identifier: MIT
+
+#include "Inject.h"
+
+#include "kits/desktop/WindowPeer.h"
+
+#include <desktop/GuiThread.h>
+
+#include <qpa/qwindowsysteminterface.h>
+
+#include <QGuiApplication>
+
+#include <chrono>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <thread>
+
+using namespace desktop;
+
+namespace {
+
+using Deliver = QWindowSystemInterface::SynchronousDelivery;
+
+Qt::KeyboardModifiers
+ToQt(uint32 modifiers)
+{
+	Qt::KeyboardModifiers result;
+	result.setFlag(Qt::ShiftModifier, (modifiers & B_SHIFT_KEY) != 0);
+	result.setFlag(Qt::AltModifier, (modifiers & B_COMMAND_KEY) != 0);
+	result.setFlag(Qt::ControlModifier, (modifiers & B_CONTROL_KEY) != 0);
+	result.setFlag(Qt::MetaModifier, (modifiers & B_OPTION_KEY) != 0);
+	return result;
+}
+
+Qt::MouseButtons
+ButtonsToQt(uint32 buttons)
+{
+	Qt::MouseButtons result;
+	result.setFlag(Qt::LeftButton, (buttons & B_PRIMARY_MOUSE_BUTTON) != 0);
+	result.setFlag(Qt::RightButton, (buttons & B_SECONDARY_MOUSE_BUTTON) != 0);
+	result.setFlag(Qt::MiddleButton, (buttons & B_TERTIARY_MOUSE_BUTTON) != 0);
+	return result;
+}
+
+struct QtKey {
+	int key;
+	QString text;
+};
+
+QtKey
+KeyFor(const std::string& bytes, uint32 modifiers)
+{
+	if (bytes.size() == 1) {
+		switch (bytes[0]) {
+			case B_HOME:
+				return {Qt::Key_Home, {}};
+			case B_END:
+				return {Qt::Key_End, {}};
+			case B_INSERT:
+				return {Qt::Key_Insert, {}};
+			case B_BACKSPACE:
+				return {Qt::Key_Backspace, "\b"};
+			case B_TAB:
+				return {(modifiers & B_SHIFT_KEY) != 0 ? int(Qt::Key_Backtab) : int(Qt::Key_Tab), "\t"};
+			case B_ENTER:
+				return {Qt::Key_Return, "\r"};
+			case B_PAGE_UP:
+				return {Qt::Key_PageUp, {}};
+			case B_PAGE_DOWN:
+				return {Qt::Key_PageDown, {}};
+			case B_FUNCTION_KEY:
+				return {Qt::Key_F1, {}};
+			case B_ESCAPE:
+				return {Qt::Key_Escape, "\x1b"};
+			case B_LEFT_ARROW:
+				return {Qt::Key_Left, {}};
+			case B_RIGHT_ARROW:
+				return {Qt::Key_Right, {}};
+			case B_UP_ARROW:
+				return {Qt::Key_Up, {}};
+			case B_DOWN_ARROW:
+				return {Qt::Key_Down, {}};
+			case B_DELETE:
+				return {Qt::Key_Delete, "\x7f"};
+		}
+	}
+	QString text = QString::fromStdString(bytes);
+	const int key = text.isEmpty() ? Qt::Key_unknown : text[0].toUpper().unicode();
+	if ((modifiers & B_CONTROL_KEY) != 0 && key >= '@' && key <= '_')
+		text = QString(QChar(key & 0x1f)); // as X11 does
+	return {key, text};
+}
+
+struct SidedKey {
+	uint32 side;
+	int key;
+	quint32 keySym;
+};
+
+constexpr SidedKey kSidedKeys[] = {
+	{B_LEFT_SHIFT_KEY, Qt::Key_Shift, 0xffe1},
+	{B_RIGHT_SHIFT_KEY, Qt::Key_Shift, 0xffe2},
+	{B_LEFT_CONTROL_KEY, Qt::Key_Control, 0xffe3},
+	{B_RIGHT_CONTROL_KEY, Qt::Key_Control, 0xffe4},
+	{B_LEFT_COMMAND_KEY, Qt::Key_Alt, 0xffe9},
+	{B_RIGHT_COMMAND_KEY, Qt::Key_Alt, 0xffea},
+	{B_LEFT_OPTION_KEY, Qt::Key_Meta, 0xffeb},
+	{B_RIGHT_OPTION_KEY, Qt::Key_Meta, 0xffec},
+};
+
+} // namespace
+
+InjectedUser::InjectedUser(NativeWindow& window)
+{
+	CallGui([&] { fWindow = NativeWindowAccess::Peer(window).window; });
+}
+
+InjectedUser::InjectedUser(const std::string& title)
+{
+	const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+	while (fWindow == nullptr && std::chrono::steady_clock::now() < deadline) {
+		CallGui([&] {
+			for (QWindow* window : QGuiApplication::topLevelWindows()) {
+				if (window->isExposed() && window->title().toStdString() == title)
+					fWindow = window;
+			}
+		});
+		std::this_thread::sleep_for(std::chrono::milliseconds(1));
+	}
+	if (fWindow == nullptr) {
+		ADD_FAILURE() << "no window \"" << title << "\"";
+		std::abort();
+	}
+}
+
+void
+InjectedUser::Mouse(int type, float x, float y, bool onScreen, uint32 button, uint32 modifiers)
+{
+	if (type == QEvent::MouseButtonPress)
+		fButtons |= button;
+	else if (type == QEvent::MouseButtonRelease)
+		fButtons &= ~button;
+	CallGui([&] {
+		QPointF where(x, y);
+		QPointF screen = fWindow->mapToGlobal(where);
+		if (onScreen) {
+			screen = where;
+			where = fWindow->mapFromGlobal(screen);
+		}
+		const int changed = button != 0 ? int(ButtonsToQt(button)) : 0;
+		QWindowSystemInterface::handleMouseEvent<Deliver>(fWindow, where, screen,
+			ButtonsToQt(fButtons), Qt::MouseButton(changed), QEvent::Type(type), ToQt(modifiers));
+	});
+}
+
+void
+InjectedUser::Press(float x, float y, uint32 button, uint32 modifiers)
+{
+	Mouse(QEvent::MouseButtonPress, x, y, false, button, modifiers);
+}
+
+void
+InjectedUser::Release(float x, float y, uint32 button, uint32 modifiers)
+{
+	Mouse(QEvent::MouseButtonRelease, x, y, false, button, modifiers);
+}
+
+void
+InjectedUser::Click(float x, float y, uint32 button, uint32 modifiers)
+{
+	Press(x, y, button, modifiers);
+	Release(x, y, button, modifiers);
+}
+
+void
+InjectedUser::Move(float x, float y, uint32 modifiers)
+{
+	Mouse(QEvent::MouseMove, x, y, false, 0, modifiers);
+}
+
+void
+InjectedUser::MoveOnScreen(float screenX, float screenY, uint32 modifiers)
+{
+	Mouse(QEvent::MouseMove, screenX, screenY, true, 0, modifiers);
+}
+
+void
+InjectedUser::Enter(float x, float y)
+{
+	CallGui([&] {
+		const QPointF where(x, y);
+		QWindowSystemInterface::handleEnterEvent<Deliver>(
+			fWindow, where, fWindow->mapToGlobal(where));
+	});
+}
+
+void
+InjectedUser::Leave()
+{
+	CallGui([&] { QWindowSystemInterface::handleLeaveEvent<Deliver>(fWindow); });
+}
+
+void
+InjectedUser::LoseButtons()
+{
+	fButtons = 0;
+}
+
+void
+InjectedUser::Wheel(float x, float y, float deltaX, float deltaY, uint32 modifiers)
+{
+	CallGui([&] {
+		const QPointF where(x, y);
+		const QPoint angle(qRound(-deltaX * 120), qRound(-deltaY * 120));
+		QWindowSystemInterface::handleWheelEvent(
+			fWindow, where, fWindow->mapToGlobal(where), QPoint(), angle, ToQt(modifiers));
+		QWindowSystemInterface::flushWindowSystemEvents();
+	});
+}
+
+void
+InjectedUser::Key(const std::string& bytes, uint32 modifiers)
+{
+	KeyDown(bytes, modifiers);
+	KeyUp(bytes, modifiers);
+}
+
+void
+InjectedUser::KeyDown(const std::string& bytes, uint32 modifiers, bool repeat)
+{
+	CallGui([&] {
+		const QtKey key = KeyFor(bytes, modifiers);
+		QWindowSystemInterface::handleKeyEvent<Deliver>(
+			fWindow, QEvent::KeyPress, key.key, ToQt(modifiers), key.text, repeat);
+	});
+}
+
+void
+InjectedUser::KeyUp(const std::string& bytes, uint32 modifiers)
+{
+	CallGui([&] {
+		const QtKey key = KeyFor(bytes, modifiers);
+		QWindowSystemInterface::handleKeyEvent<Deliver>(
+			fWindow, QEvent::KeyRelease, key.key, ToQt(modifiers), key.text);
+	});
+}
+
+void
+InjectedUser::ModifierKey(uint32 sidedKey, bool down, uint32 modifiers)
+{
+	for (const SidedKey& key : kSidedKeys) {
+		if (key.side != sidedKey)
+			continue;
+		CallGui([&] {
+			QWindowSystemInterface::handleExtendedKeyEvent(fWindow,
+				down ? QEvent::KeyPress : QEvent::KeyRelease, key.key, ToQt(modifiers), 0,
+				key.keySym, 0);
+			QWindowSystemInterface::flushWindowSystemEvents();
+		});
+	}
+}
+
+void
+InjectedUser::Close()
+{
+	CallGui([&] { QWindowSystemInterface::handleCloseEvent<Deliver>(fWindow); });
+}
+
+void
+InjectedUser::Activate()
+{
+	CallGui([&] { QWindowSystemInterface::handleWindowActivated<Deliver>(fWindow); });
+}
+
+void
+InjectedUser::Deactivate()
+{
+	CallGui([&] { QWindowSystemInterface::handleWindowActivated<Deliver>(nullptr); });
+}
+
+void
+InjectedUser::Resize(int32 width, int32 height)
+{
+	CallGui([&] {
+		fWindow->resize(width, height);
+		QWindowSystemInterface::flushWindowSystemEvents();
+	});
+}
+
+uint32
+InjectedUser::Picture::At(int32 x, int32 y) const
+{
+	if (x < 0 || x >= width || y < 0 || y >= height)
+		return 0;
+	return pixels[size_t(y) * size_t(width) + size_t(x)];
+}
+
+bool
+InjectedUser::Picture::Save(const std::string& pngPath) const
+{
+	const QImage image(reinterpret_cast<const uchar*>(pixels.data()), width, height, width * 4,
+		QImage::Format_RGB32);
+	return image.save(QString::fromStdString(pngPath), "PNG");
+}
+
+InjectedUser::Picture
+InjectedUser::Snapshot() const
+{
+	Picture picture;
+	CallGui([&] {
+		QWindowSystemInterface::flushWindowSystemEvents();
+		const QImage image =
+			static_cast<PeerWindow*>(fWindow)->Picture().convertToFormat(QImage::Format_RGB32);
+		picture.width = image.width();
+		picture.height = image.height();
+		picture.pixels.resize(size_t(image.width()) * size_t(image.height()));
+		for (int32 y = 0; y < picture.height; y++)
+			std::memcpy(picture.pixels.data() + size_t(y) * size_t(picture.width),
+				image.constScanLine(y), size_t(picture.width) * 4);
+	});
+	for (uint32& pixel : picture.pixels)
+		pixel |= 0xff000000;
+	return picture;
+}

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+
+// Puts input into our windows as the display server would, and takes pictures of what they show.
+// Each call returns when the window's client was told.
+
+#pragma once
+
+#include <desktop/NativeWindow.h>
+
+#include <string>
+#include <vector>
+
+// One window as seen by its user. Positions are logical pixels; of the content unless said
+// otherwise. Any thread but the GUI thread.
+class InjectedUser {
+public:
+	explicit InjectedUser(desktop::NativeWindow& window);
+	// By its title; of several the newest. Waits for it to appear, fails the test after 20 s.
+	explicit InjectedUser(const std::string& title);
+
+	// `modifiers` are B_*_KEY bits, as with all calls below.
+	void Press(float x, float y, uint32 button = B_PRIMARY_MOUSE_BUTTON, uint32 modifiers = 0);
+	void Release(float x, float y, uint32 button = B_PRIMARY_MOUSE_BUTTON, uint32 modifiers = 0);
+	void Click(float x, float y, uint32 button = B_PRIMARY_MOUSE_BUTTON, uint32 modifiers = 0);
+	void Move(float x, float y, uint32 modifiers = 0); // with the buttons pressed so far
+	void MoveOnScreen(float screenX, float screenY, uint32 modifiers = 0);
+	void Enter(float x, float y);
+	void Leave();
+	// Forgets the buttons held, as when another program takes the pointer.
+	void LoseButtons();
+	// In notches, right and down positive.
+	void Wheel(float x, float y, float deltaX, float deltaY, uint32 modifiers = 0);
+
+	// Presses and releases. `bytes`: a B_* key byte, or text of one character; B_FUNCTION_KEY is
+	// F1.
+	void Key(const std::string& bytes, uint32 modifiers = 0);
+	void KeyDown(const std::string& bytes, uint32 modifiers = 0, bool repeat = false);
+	void KeyUp(const std::string& bytes, uint32 modifiers = 0);
+	// One of B_LEFT_SHIFT_KEY ... B_RIGHT_OPTION_KEY; `modifiers` are those held before.
+	void ModifierKey(uint32 sidedKey, bool down, uint32 modifiers = 0);
+
+	void Close();
+	void Activate();
+	void Deactivate();
+	void Resize(int32 width, int32 height);
+
+	// The window's present picture: device pixels as 0xffRRGGBB, or 0 outside.
+	struct Picture {
+		uint32 At(int32 x, int32 y) const;
+		bool Save(const std::string& pngPath) const;
+
+		int32 width = 0;
+		int32 height = 0;
+		std::vector<uint32> pixels;
+	};
+	Picture Snapshot() const;
+
+private:
+	void Mouse(int type, float x, float y, bool onScreen, uint32 button, uint32 modifiers);
+
+	class QWindow* fWindow = nullptr;
+	uint32 fButtons = 0;
+};
