@@ -24,7 +24,7 @@ namespace {
 
 constexpr double kLimit = 1.5;
 constexpr int kRuns = 11;
-constexpr size_t kBufferSize = 64 * 1024;
+constexpr size_t kBufferSize = 65536;
 
 // All loops must come to the same sum, or one of them leaves something out.
 typedef std::function<int64(const char* folder)> Listing;

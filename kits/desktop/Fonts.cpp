@@ -140,7 +140,7 @@ FontCache::Layout(const FontSpec& spec, double scale, std::string_view text)
 	layout.endLayout();
 	if (!line.isValid())
 		return shaped;
-	shaped->width = float(line.naturalTextWidth());
+	shaped->width = float(line.horizontalAdvance());
 	const QList<QGlyphRun> runs = layout.glyphRuns();
 	for (QGlyphRun run : runs) {
 		if (scale != 1.0) {

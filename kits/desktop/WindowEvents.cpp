@@ -107,7 +107,9 @@ void
 PeerWindow::wheelEvent(QWheelEvent* event)
 {
 	TellModifiers();
-	fClient.WindowWheel(TranslateWheel(*event, fToldModifiers, system_time()));
+	const WheelEvent wheel = TranslateWheel(*event, fToldModifiers, system_time());
+	if (wheel.deltaX != 0 || wheel.deltaY != 0) // the ends of gestures have none
+		fClient.WindowWheel(wheel);
 }
 
 void

@@ -156,6 +156,7 @@ BView::_Attach(BWindow* window)
 {
 	fWindow = window;
 	fAttachedCalled = false;
+	fAllAttachedCalled = false;
 	window->AddHandler(this);
 	BView* parent = Parent();
 	SetNextHandler(parent != nullptr ? static_cast<BHandler*>(parent) : window);
@@ -180,6 +181,9 @@ BView::_CallAttached()
 void
 BView::_CallAllAttached()
 {
+	if (fAllAttachedCalled)
+		return;
+	fAllAttachedCalled = true;
 	AllAttached();
 	for (size_t i = 0; i < fChildren.size(); i++)
 		fChildren[i]->_CallAllAttached();

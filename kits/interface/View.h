@@ -254,6 +254,7 @@ private:
 	BView* fParent = nullptr;
 	std::vector<BView*> fChildren; // owned; later ones in front
 	bool fAttachedCalled = false;
+	bool fAllAttachedCalled = false;
 	rgb_color fViewColor = {255, 255, 255, 255};
 	State fState;
 	std::vector<State> fStateStack;

@@ -12,7 +12,7 @@ namespace BPrivate {
 
 namespace {
 
-constexpr size_t kBlockSize = 64 * 1024;
+constexpr size_t kBlockSize = 65536;
 
 size_t
 CommonLength(const char* a, const char* b, size_t limit)

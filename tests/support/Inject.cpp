@@ -85,7 +85,7 @@ KeyFor(const std::string& bytes, uint32 modifiers)
 		}
 	}
 	QString text = QString::fromStdString(bytes);
-	const int key = text.isEmpty() ? Qt::Key_unknown : text[0].toUpper().unicode();
+	const int key = text.isEmpty() ? int(Qt::Key_unknown) : text[0].toUpper().unicode();
 	if ((modifiers & B_CONTROL_KEY) != 0 && key >= '@' && key <= '_')
 		text = QString(QChar(key & 0x1f)); // as X11 does
 	return {key, text};

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -146,7 +147,11 @@ TempTree::TempTree(std::initializer_list<Item> items)
 
 TempTree::~TempTree()
 {
-	RemoveContents(fRoot);
+	try {
+		RemoveContents(fRoot);
+	} catch (const std::exception& error) {
+		fprintf(stderr, "%s stays: %s\n", fPath.c_str(), error.what());
+	}
 	close(fRoot);
 	rmdir(fPath.c_str());
 }

@@ -233,6 +233,7 @@ TEST(Table, ServesManyThreads)
 		tree.Add(std::to_string(i) + "/file", Text());
 	std::atomic<int> good = 0;
 	std::vector<std::thread> threads;
+	threads.reserve(4);
 	for (int t = 0; t < 4; t++) {
 		threads.emplace_back([&, t] {
 			std::vector<std::pair<int, entry_ref>> refs;
