@@ -21,3 +21,9 @@ ResizeBar::Draw(BRect update)
 	FillRect(update, B_SOLID_LOW);
 	StrokeRect(Bounds(), B_SOLID_HIGH);
 }
+
+void
+ResizeBar::FrameResized(float, float)
+{
+	Invalidate();
+}

@@ -19,6 +19,7 @@ public:
 	// BView
 	void AttachedToWindow() override;
 	void Draw(BRect update) override;
+	void FrameResized(float width, float height) override; // the outline's old end goes
 
 private:
 	orientation fOrientation;

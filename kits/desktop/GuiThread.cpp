@@ -268,12 +268,14 @@ void
 SetQuitHandler(std::function<void()> handler)
 {
 	QuitWish& wish = Wish();
-	std::lock_guard lock(wish.lock);
+	std::unique_lock lock(wish.lock);
 	wish.handler = std::move(handler);
-	if (wish.handler && wish.asked) {
-		wish.asked = false;
-		PostGui(AskToQuit);
-	}
+	if (!wish.handler || !wish.asked)
+		return;
+	wish.asked = false;
+	lock.unlock();
+	if (!PostGui(AskToQuit))
+		AskToQuit();
 }
 
 void

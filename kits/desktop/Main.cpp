@@ -34,11 +34,14 @@ struct Program {
 	char** argv;
 	int result = 1;
 	pthread_t thread;
+	// The program's thread has a locale of its own, since Qt sets the process's when it starts.
+	locale_t locale;
 };
 
 const char* sProgramName = "program";
 Program* sProgram = nullptr; // while its thread was not joined
 bool sInEventLoop = false;   // GUI thread
+bool sProgramEnded = false;  // GUI thread
 
 void
 SetLocale()
@@ -105,8 +108,12 @@ void*
 RunProgram(void* data)
 {
 	auto* program = static_cast<Program*>(data);
+	uselocale(program->locale);
 	program->result = KitProgramMain(program->argc, program->argv);
-	PostGui([] { QCoreApplication::quit(); });
+	PostGui([] {
+		sProgramEnded = true;
+		QCoreApplication::exit(); // quit() would ask the windows that are left
+	});
 	return nullptr;
 }
 
@@ -160,6 +167,10 @@ RunDesktop(char* programPath)
 	OpenJobQueue();
 	sInEventLoop = true;
 	QGuiApplication::exec();
+	while (!sProgramEnded) { // the session's manager wants us to end
+		AskToQuit();
+		QGuiApplication::exec();
+	}
 	sInEventLoop = false;
 	pthread_join(sProgram->thread, nullptr);
 	sProgram = nullptr;
@@ -189,12 +200,13 @@ main(int argc, char** argv)
 	SetEnvironment();
 	EndSignals endSignals;
 	qInstallMessageHandler(HandleMessage);
-	Program program{argc, argv, 1, {}};
+	Program program{argc, argv, 1, {}, duplocale(LC_GLOBAL_LOCALE)};
 	if (!StartProgram(program)) {
 		std::fprintf(stderr, "%s: cannot start a thread\n", sProgramName);
 		return EXIT_FAILURE;
 	}
 	std::string path(argc > 0 ? argv[0] : sProgramName);
 	RunDesktop(path.data());
+	freelocale(program.locale);
 	return program.result;
 }

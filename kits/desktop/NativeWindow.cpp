@@ -95,6 +95,13 @@ NativeWindow::SetSizeLimits(int32 minWidth, int32 maxWidth, int32 minHeight, int
 		});
 }
 
+void
+NativeWindow::SetTextInput(bool wanted, const PixelRect& caret)
+{
+	PostGui(
+		[peer = fPeer, wanted, where = ToQt(caret)] { peer->window->SetTextInput(wanted, where); });
+}
+
 double
 NativeWindow::Scale()
 {

@@ -95,6 +95,10 @@ public:
 	void ResizeTo(int32 width, int32 height);
 	void SetSizeLimits(int32 minWidth, int32 maxWidth, int32 minHeight, int32 maxHeight);
 
+	// Whether keys may be composed to text (dead keys, input methods), with the candidates shown
+	// at `caret`. The text arrives as a key press of several bytes, key and rawChar 0.
+	void SetTextInput(bool wanted, const PixelRect& caret);
+
 	double Scale(); // device pixels per logical pixel; waits for the desktop
 
 	// Shows `region` of the canvas, and returns when its pixels were taken over. After a resize the

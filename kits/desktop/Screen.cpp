@@ -83,7 +83,10 @@ Beep()
 {
 	PostGui([] {
 		// Qt Gui has no call for the bell; the library is loaded already by Qt's X11 plugin.
-		const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+		// The offscreen platform answers too, with a connection that is none.
+		const auto* x11 = QGuiApplication::platformName() == QLatin1String("xcb")
+			? qGuiApp->nativeInterface<QNativeInterface::QX11Application>()
+			: nullptr;
 		void* library = x11 ? dlopen("libxcb.so.1", RTLD_LAZY | RTLD_NOLOAD) : nullptr;
 		if (library == nullptr)
 			return;

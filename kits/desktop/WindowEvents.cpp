@@ -8,6 +8,9 @@
 
 #include <kernel/OS.h>
 
+#include <QGuiApplication>
+#include <QInputMethod>
+
 namespace desktop {
 
 bool
@@ -31,10 +34,44 @@ PeerWindow::event(QEvent* event)
 			TellMouse(MouseEvent::kLeft, mapFromGlobal(screen), screen, input.buttons);
 			break;
 		}
+		case QEvent::InputMethodQuery:
+			AnswerInputMethod(static_cast<QInputMethodQueryEvent&>(*event));
+			return true;
+		case QEvent::InputMethod:
+			TellComposedText(static_cast<QInputMethodEvent&>(*event));
+			return true;
 		default:
 			break;
 	}
 	return QWindow::event(event);
+}
+
+void
+PeerWindow::SetTextInput(bool wanted, const QRect& caret)
+{
+	fTextInput = wanted;
+	fCaret = caret;
+	if (isActive())
+		QGuiApplication::inputMethod()->update(Qt::ImEnabled | Qt::ImCursorRectangle);
+}
+
+void
+PeerWindow::AnswerInputMethod(QInputMethodQueryEvent& query) const
+{
+	if (query.queries() & Qt::ImEnabled)
+		query.setValue(Qt::ImEnabled, fTextInput);
+	if (query.queries() & Qt::ImCursorRectangle)
+		query.setValue(Qt::ImCursorRectangle, fCaret);
+	query.accept();
+}
+
+void
+PeerWindow::TellComposedText(const QInputMethodEvent& event)
+{
+	if (event.commitString().isEmpty())
+		return;
+	fClient.WindowKey({true, false, 0, 0, event.commitString().toStdString(),
+		CurrentInput().modifiers, system_time()});
 }
 
 void

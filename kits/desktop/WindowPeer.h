@@ -24,6 +24,7 @@ public:
 	void ShowFirst(const CanvasData& canvas, QWindow* parent);
 	void TakePicture(const CanvasData& canvas, const QRegion& region);
 	void ResizeContent(const QSize& size);
+	void SetTextInput(bool wanted, const QRect& caret);
 	// What the window shows, in device pixels.
 	QImage Picture();
 
@@ -53,6 +54,8 @@ private:
 		uint32 buttons, uint32 button = 0, int32 clicks = 0);
 	void TellLostReleases(const QMouseEvent& event);
 	void Key(QKeyEvent* event);
+	void AnswerInputMethod(QInputMethodQueryEvent& query) const;
+	void TellComposedText(const QInputMethodEvent& event);
 
 	WindowClient& fClient;
 	QBackingStore fStore;
@@ -63,6 +66,8 @@ private:
 	uint32 fToldModifiers = 0;
 	uint32 fHeldButtons = 0;
 	ClickCounter fClicks;
+	bool fTextInput = false;
+	QRect fCaret;
 };
 
 struct WindowPeer {

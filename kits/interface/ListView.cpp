@@ -193,10 +193,12 @@ MergeSort(void** items, void** room, size_t count, int (*compare)(const void*, c
 	MergeSort(items + half, room, count - half, compare);
 	std::copy(items, items + half, room);
 	void** left = room;
+	void** const leftEnd = room + half;
 	void** right = items + half;
-	while (left < room + half && right < items + count)
+	void** const end = items + count;
+	while (left < leftEnd && right < end)
 		*items++ = compare(right, left) < 0 ? *right++ : *left++;
-	std::copy(left, room + half, items);
+	std::copy(left, leftEnd, items);
 }
 
 void

@@ -91,7 +91,9 @@ void
 BView::_ShiftPixels(const PixelRegion& dest, int32 dx, int32 dy)
 {
 	BPrivate::WindowSurface& surface = *fWindow->fSurface;
-	PixelRegion good = _DrawableRegion();
+	PixelRegion good;
+	if (surface.Canvas()->MovesExactly(dx, dy))
+		good = _DrawableRegion();
 	good.Exclude(surface.Damage());
 	good.OffsetBy(dx, dy);
 	good.IntersectWith(dest);

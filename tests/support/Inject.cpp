@@ -61,7 +61,8 @@ KeyFor(const std::string& bytes, uint32 modifiers)
 			case B_BACKSPACE:
 				return {Qt::Key_Backspace, "\b"};
 			case B_TAB:
-				return {(modifiers & B_SHIFT_KEY) != 0 ? int(Qt::Key_Backtab) : int(Qt::Key_Tab), "\t"};
+				return {
+					(modifiers & B_SHIFT_KEY) != 0 ? int(Qt::Key_Backtab) : int(Qt::Key_Tab), "\t"};
 			case B_ENTER:
 				return {Qt::Key_Return, "\r"};
 			case B_PAGE_UP:
@@ -258,6 +259,23 @@ InjectedUser::ModifierKey(uint32 sidedKey, bool down, uint32 modifiers)
 			QWindowSystemInterface::flushWindowSystemEvents();
 		});
 	}
+}
+
+bool
+InjectedUser::Compose(const std::string& text)
+{
+	bool taken = false;
+	CallGui([&] {
+		QInputMethodQueryEvent query(Qt::ImEnabled);
+		QCoreApplication::sendEvent(fWindow, &query);
+		taken = query.value(Qt::ImEnabled).toBool();
+		if (!taken)
+			return;
+		QInputMethodEvent event;
+		event.setCommitString(QString::fromStdString(text));
+		QCoreApplication::sendEvent(fWindow, &event);
+	});
+	return taken;
 }
 
 void

@@ -39,6 +39,9 @@ public:
 	// One of B_LEFT_SHIFT_KEY ... B_RIGHT_OPTION_KEY; `modifiers` are those held before.
 	void ModifierKey(uint32 sidedKey, bool down, uint32 modifiers = 0);
 
+	// What an input method or a dead key has made; false when the window takes none at present.
+	bool Compose(const std::string& text);
+
 	void Close();
 	void Activate();
 	void Deactivate();

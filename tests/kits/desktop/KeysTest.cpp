@@ -69,3 +69,13 @@ TEST_F(WindowTest, ModifierKeysAreToldApartAndSendNoKey)
 	fUser.Deactivate();
 	EXPECT_EQ(fClient.Take(), "modifiers 0; inactive");
 }
+
+TEST_F(WindowTest, ComposedTextArrivesAsAKeyWhereItIsWanted)
+{
+	EXPECT_FALSE(fUser.Compose("\xc3\xa9"));
+	EXPECT_EQ(fClient.Take(), "");
+	fWindow.SetTextInput(true, {10, 10, 11, 24});
+	EXPECT_TRUE(fUser.Compose("\xe6\x97\xa5\xe6\x9c\xac"));
+	EXPECT_EQ(fClient.Take(), "key \xe6\x97\xa5\xe6\x9c\xac");
+	EXPECT_EQ(fClient.LastKey().rawChar, 0);
+}

@@ -1,0 +1,75 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+
+"""Measures a start from exec to the complete picture of a folder of 20 entries, and the memory
+that the program then has, beside those of an empty window.
+
+  start.py PROGRAM EMPTY_WINDOW [RUNS]
+"""
+
+import os
+import re
+import statistics
+import sys
+import tempfile
+
+import Session
+
+LIMIT_MS = 60
+LIMIT_MB = 25
+
+
+def fill(folder):
+    for number in range(20):
+        path = os.path.join(folder, "entry %02d" % number)
+        if number % 4 == 0:
+            os.mkdir(path)
+        else:
+            with open(path + ".txt", "w") as file:
+                file.write("x" * number * 100)
+
+
+def memory(process):
+    """Proportional share of the memory, in MB."""
+    with open("/proc/%d/smaps_rollup" % process.pid) as file:
+        return int(re.search(r"^Pss:\s+(\d+)", file.read(), re.M).group(1)) / 1024
+
+
+def measure(session, command):
+    process, seconds = session.launch(command)
+    size = memory(process)
+    process.terminate()
+    _, _, usage = os.wait4(process.pid, 0)
+    process.returncode = 0
+    return seconds * 1000, (usage.ru_utime + usage.ru_stime) * 1000, size
+
+
+def row(what, figure, unit, limit, beside):
+    print("%-44s %9.2f %-4s at most %6.1f   %s" % (what, figure, unit, limit, beside))
+    return figure <= limit
+
+
+def main():
+    program, empty = sys.argv[1:3]
+    runs = int(sys.argv[3]) if len(sys.argv) > 3 else 15
+    with Session.Session(1280, 800) as session, tempfile.TemporaryDirectory() as folder:
+        fill(folder)
+        commands = [[program, folder], [empty]]
+        for command in commands:  # fills the caches of files and fonts
+            measure(session, command)
+        # In turns, so that a busy machine is equally unfair to both.
+        figures = [[measure(session, command) for command in commands] for _ in range(runs)]
+    median = [[statistics.median(run[which][kind] for run in figures) for kind in range(3)]
+              for which in range(2)]
+    least = [min(run[which][0] for run in figures) for which in range(2)]
+    good = row("start to complete picture, 20 entries", median[0][0], "ms", LIMIT_MS,
+               "least %.1f; empty window %.1f, least %.1f" % (least[0], median[1][0], least[1]))
+    print("%-44s %9.2f %-4s %14s   empty window %.1f" % (
+        "  processor time from start to end", median[0][1], "ms", "", median[1][1]))
+    good &= row("memory with 20 entries (PSS)", median[0][2], "MB", LIMIT_MB,
+                "empty window %.1f" % median[1][2])
+    return 0 if good else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+
+#include <interface/Bitmap.h>
+#include <interface/Region.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace {
+
+// The colour of one palette entry, by conversion.
+uint32
+PaletteColor(uint8 index)
+{
+	BBitmap bitmap(BRect(0, 0, 0, 0), B_RGBA32);
+	const uint8 row[4] = {index, 0, 0, 0};
+	bitmap.SetBits(row, 1, 0, B_CMAP8);
+	uint32 color;
+	memcpy(&color, bitmap.Bits(), 4);
+	return color;
+}
+
+} // namespace
+
+TEST(Bitmap, RowsArePaddedToFourBytes)
+{
+	EXPECT_EQ(BBitmap(BRect(0, 0, 10, 3), B_CMAP8).BytesPerRow(), 12);
+	EXPECT_EQ(BBitmap(BRect(0, 0, 15, 15), B_CMAP8).BytesPerRow(), 16);
+	EXPECT_EQ(BBitmap(BRect(0, 0, 32, 0), B_GRAY1).BitsLength(), 8);
+	EXPECT_EQ(BBitmap(BRect(0, 0, 2, 1), B_RGB32).BitsLength(), 24);
+	EXPECT_FALSE(BBitmap(BRect(), B_CMAP8).IsValid());
+}
+
+TEST(Bitmap, PaletteHasGreysWhiteAndTransparency)
+{
+	EXPECT_EQ(PaletteColor(0), 0xff000000);
+	EXPECT_EQ(PaletteColor(0x12), 0xff909090);
+	EXPECT_EQ(PaletteColor(31), 0xfff8f8f8);
+	EXPECT_EQ(PaletteColor(0x3f), 0xffffffff);
+	EXPECT_EQ(PaletteColor(0xff) >> 24, 0u);
+	// Every colour of the cube leads back to an entry of the same colour.
+	for (uint32 entry = 0; entry < 216; entry++) {
+		uint32 color =
+			0xff000000 | entry / 36 * 51 << 16 | entry / 6 % 6 * 51 << 8 | entry % 6 * 51;
+		BBitmap bitmap(BRect(0, 0, 0, 0), B_CMAP8);
+		bitmap.SetBits(&color, 4, 0, B_RGBA32);
+		EXPECT_EQ(PaletteColor(*static_cast<uint8*>(bitmap.Bits())), color);
+	}
+}
+
+TEST(Bitmap, BitsThatDoNotFitAreCutOff)
+{
+	BBitmap bitmap(BRect(0, 0, 3, 1), B_CMAP8);
+	const uint8 data[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+	bitmap.SetBits(data, 10, 6, B_CMAP8);
+	const uint8 expected[] = {0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 1, 2};
+	EXPECT_EQ(memcmp(bitmap.Bits(), expected, 8), 0);
+	bitmap.SetBits(data, 10, 8, B_CMAP8);
+	EXPECT_EQ(memcmp(bitmap.Bits(), expected, 8), 0);
+	// A converted row begins where the offset falls in a bitmap of the other space.
+	BBitmap deep(BRect(0, 0, 3, 1), B_RGBA32);
+	deep.SetBits(data, 10, 5, B_CMAP8);
+	uint32 pixels[8];
+	memcpy(pixels, deep.Bits(), 32);
+	EXPECT_EQ(pixels[4], 0u);
+	EXPECT_EQ(pixels[5], PaletteColor(1));
+	EXPECT_EQ(pixels[7], PaletteColor(3));
+}
+
+TEST(Region, EdgesRoundHalfUpSoThatNeighboursMeet)
+{
+	BRegion left(BRect(0, 0, 7.5f, 4));
+	BRegion right(BRect(8.5f, 0, 12, 4));
+	EXPECT_EQ(left.Frame(), BRect(0, 0, 8, 4));
+	EXPECT_EQ(right.Frame(), BRect(9, 0, 12, 4));
+	left.Include(&right);
+	EXPECT_EQ(left.CountRects(), 1);
+	EXPECT_EQ(BRegion(BRect(-0.5f, -1.5f, 0, 0)).Frame(), BRect(0, -1, 0, 0));
+}
+
+TEST(Region, RectanglesThatAreNotValidChangeNothing)
+{
+	BRegion region(BRect(0, 0, 9, 9));
+	region.Include(BRect(20, 20, 19, 25));
+	region.Exclude(BRect(5, 5, 4, 9));
+	EXPECT_EQ(region.Frame(), BRect(0, 0, 9, 9));
+	EXPECT_FALSE(region.Intersects(BRect()));
+	EXPECT_FALSE(region.RectAt(1).IsValid());
+	region.IntersectWith(BRect());
+	EXPECT_FALSE(region.Frame().IsValid());
+}

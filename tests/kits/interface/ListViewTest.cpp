@@ -1,0 +1,409 @@
+// SPDX-License-Identifier: MIT
+
+#include <interface/ListView.h>
+
+#include <interface/ScrollBar.h>
+#include <interface/ScrollView.h>
+
+#include "tests/support/ListenedWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <set>
+
+namespace {
+
+constexpr uint32 kSelected = 'sele';
+constexpr uint32 kInvoked = 'invo';
+
+class Row : public BListItem {
+public:
+	explicit Row(int value, float height = 18) : number(value), fRowHeight(height) {}
+
+	void DrawItem(BView* owner, BRect rect, bool) override
+	{
+		owner->SetHighColor(IsSelected() ? 200 : 255, 255, 255);
+		owner->FillRect(rect);
+	}
+	void Update(BView*, const BFont*) override { SetHeight(fRowHeight); }
+
+	const int number;
+
+private:
+	float fRowHeight;
+};
+
+class RecordingList : public BListView {
+public:
+	RecordingList(BRect frame, list_view_type type) : BListView(frame, "list", type)
+	{
+		SetSelectionMessage(new BMessage(kSelected));
+		SetInvocationMessage(new BMessage(kInvoked));
+	}
+	~RecordingList() override
+	{
+		for (Row* row : owned)
+			delete row;
+	}
+
+	Row* NewRow(int number, float height = 18)
+	{
+		owned.push_back(new Row(number, height));
+		return owned.back();
+	}
+	void Fill(int count)
+	{
+		for (int i = 0; i < count; i++)
+			AddItem(NewRow(i));
+	}
+	std::vector<int32> Selection() const
+	{
+		std::vector<int32> rows;
+		for (int32 i = 0, k; (k = CurrentSelection(i)) >= 0; i++)
+			rows.push_back(k);
+		return rows;
+	}
+
+	void SelectionChanged() override { changes++; }
+	bool InitiateDrag(BPoint, int32 index, bool wasSelected) override
+	{
+		drags.push_back({index, wasSelected});
+		return wasSelected;
+	}
+
+	int changes = 0;
+	std::vector<std::pair<int32, bool>> drags;
+	std::vector<Row*> owned;
+};
+
+int
+ByNumber(const void* a, const void* b)
+{
+	auto number = [](const void* slot) {
+		return static_cast<const Row*>(*static_cast<BListItem* const*>(slot))->number;
+	};
+	return number(a) < number(b) ? -1 : 1;
+}
+
+// Row i covers the pixels from 19 * i.
+float
+MiddleOf(int32 row)
+{
+	return 19.0f * static_cast<float>(row) + 9;
+}
+
+// What the selection does, said as plainly as possible.
+struct SelectionModel {
+	void Alone(int32 row)
+	{
+		selected = {row};
+		anchor = cursor = row;
+	}
+	void Extend(int32 row)
+	{
+		if (anchor < 0)
+			anchor = selected.empty() ? row : *selected.begin();
+		selected.clear();
+		for (int32 i = std::min(anchor, row); i <= std::max(anchor, row); i++)
+			selected.insert(i);
+		cursor = row;
+	}
+	void Click(int32 row, uint32 held)
+	{
+		if (row >= count)
+			selected.clear();
+		else if (multiple && (held & B_SHIFT_KEY) != 0)
+			Extend(row);
+		else if (multiple && held != 0) {
+			if (selected.count(row) != 0)
+				selected.erase(row);
+			else
+				selected.insert(row);
+			anchor = cursor = row;
+		} else
+			Alone(row);
+	}
+	void Key(char key, bool shift)
+	{
+		int32 row = selected.empty() ? -1 : cursor >= 0 ? cursor : *selected.begin();
+		int32 to = key == B_HOME ? 0 : count - 1;
+		if (key == B_DOWN_ARROW)
+			to = row + 1;
+		else if (key == B_UP_ARROW && row >= 0)
+			to = row - 1;
+		to = std::clamp(to, 0, count - 1);
+		if (shift && multiple)
+			Extend(to);
+		else
+			Alone(to);
+	}
+
+	int32 count;
+	bool multiple;
+	std::set<int32> selected = {};
+	int32 anchor = -1;
+	int32 cursor = -1;
+};
+
+void
+RunAgainstModel(list_view_type type, unsigned seed)
+{
+	constexpr int32 kRows = 8; // and one row's room below them
+	RecordingList* list = new RecordingList(BRect(0, 0, 200, 19 * (kRows + 1)), type);
+	list->Fill(kRows);
+	ListenedWindow window(200, 19 * (kRows + 1), list);
+	SelectionModel model{kRows, type == B_MULTIPLE_SELECTION_LIST};
+	std::mt19937 random(seed);
+	for (int step = 0; step < 400; step++) {
+		const std::set<int32> before = model.selected;
+		list->changes = 0;
+		if (random() % 2 == 0) {
+			const uint32 keys[] = {0, 0, B_SHIFT_KEY, B_CONTROL_KEY, B_OPTION_KEY};
+			int32 row = static_cast<int32>(random() % (kRows + 1));
+			uint32 held = keys[random() % 5];
+			model.Click(row, held);
+			window.User().Press(20, MiddleOf(row), B_PRIMARY_MOUSE_BUTTON, held);
+			// Not to be taken for a double click.
+			window.User().Release(20, MiddleOf(row), B_PRIMARY_MOUSE_BUTTON, held);
+			window.User().Click(190, MiddleOf(row), B_SECONDARY_MOUSE_BUTTON);
+		} else if (!model.selected.empty() || random() % 2 == 0) {
+			const char keys[] = {B_UP_ARROW, B_DOWN_ARROW, B_HOME, B_END};
+			char key = keys[random() % 4];
+			bool shift = random() % 2 == 0;
+			model.Key(key, shift);
+			window.Under([&] { list->MakeFocus(); });
+			window.User().Key(std::string(1, key), shift ? B_SHIFT_KEY : 0);
+		}
+		window.Settle();
+		std::vector<int32> expected(model.selected.begin(), model.selected.end());
+		ASSERT_EQ(window.Under([&] { return list->Selection(); }), expected) << "step " << step;
+		for (int32 row = 0; row < kRows; row++)
+			ASSERT_EQ(list->ItemAt(row)->IsSelected(), model.selected.count(row) != 0);
+		size_t messages = window->Take(kSelected).size();
+		ASSERT_EQ(messages, static_cast<size_t>(list->changes)) << "step " << step;
+		ASSERT_EQ(messages > 0, before != model.selected) << "step " << step;
+		ASSERT_LE(messages, 1u) << "step " << step;
+	}
+}
+
+} // namespace
+
+TEST(ListView, MouseAndKeysSelectAsInAPlainModel)
+{
+	RunAgainstModel(B_MULTIPLE_SELECTION_LIST, 30);
+	RunAgainstModel(B_SINGLE_SELECTION_LIST, 31);
+}
+
+TEST(ListView, ChangesAgreeWithAPlainVectorAndKeepTheSelection)
+{
+	std::mt19937 random(32);
+	RecordingList list(BRect(0, 0, 100, 100), B_MULTIPLE_SELECTION_LIST);
+	std::vector<BListItem*> model;
+	std::set<BListItem*> selected;
+	for (int step = 0; step < 3000; step++) {
+		int32 count = static_cast<int32>(model.size());
+		int32 index = static_cast<int32>(random() % (model.size() + 1));
+		BList added;
+		switch (random() % 7) {
+			case 0:
+				for (unsigned i = random() % 5; i > 0; i--)
+					added.AddItem(
+						static_cast<BListItem*>(list.NewRow(static_cast<int>(random() % 50))));
+				EXPECT_TRUE(list.AddList(&added, index));
+				for (int32 i = 0; i < added.CountItems(); i++)
+					model.insert(
+						model.begin() + index + i, static_cast<BListItem*>(added.ItemAt(i)));
+				break;
+			case 1:
+				model.push_back(list.NewRow(static_cast<int>(random() % 50)));
+				EXPECT_TRUE(list.AddItem(model.back()));
+				break;
+			case 2: {
+				int32 removed = std::min<int32>(random() % 4, count - index);
+				EXPECT_EQ(list.RemoveItems(index, removed), removed > 0);
+				for (int32 i = 0; i < removed; i++)
+					selected.erase(model[index + i]);
+				model.erase(model.begin() + index, model.begin() + index + removed);
+				break;
+			}
+			case 3:
+				list.SortItems(ByNumber);
+				std::stable_sort(model.begin(), model.end(), [](BListItem* a, BListItem* b) {
+					return static_cast<Row*>(a)->number < static_cast<Row*>(b)->number;
+				});
+				break;
+			case 4:
+				list.Select(index, true);
+				if (index < count)
+					selected.insert(model[index]);
+				break;
+			case 5:
+				list.Deselect(index);
+				if (index < count)
+					selected.erase(model[index]);
+				break;
+			case 6:
+				EXPECT_EQ(list.RemoveItem(index), index < count ? model[index] : nullptr);
+				if (index < count) {
+					selected.erase(model[index]);
+					model.erase(model.begin() + index);
+				}
+				break;
+		}
+		ASSERT_EQ(list.CountItems(), static_cast<int32>(model.size()));
+		std::vector<int32> rows;
+		for (size_t i = 0; i < model.size(); i++) {
+			ASSERT_EQ(list.ItemAt(static_cast<int32>(i)), model[i]);
+			if (selected.count(model[i]) != 0)
+				rows.push_back(static_cast<int32>(i));
+			ASSERT_EQ(model[i]->IsSelected(), selected.count(model[i]) != 0);
+		}
+		ASSERT_EQ(list.Selection(), rows) << "step " << step;
+	}
+}
+
+TEST(ListView, BadIndicesAreIgnored)
+{
+	RecordingList list(BRect(0, 0, 100, 100), B_MULTIPLE_SELECTION_LIST);
+	list.Fill(3);
+	list.Select(1);
+	list.changes = 0;
+	list.Select(-1);
+	list.Select(3);
+	list.Select(2, 1);
+	list.Select(1, 3);
+	list.Deselect(-1);
+	list.DeselectExcept(0, 3);
+	list.Select(1);
+	EXPECT_EQ(list.Selection(), std::vector<int32>{1});
+	EXPECT_EQ(list.changes, 0);
+	EXPECT_FALSE(list.AddItem(list.NewRow(9), 5));
+	EXPECT_FALSE(list.ItemFrame(3).IsValid());
+}
+
+TEST(ListView, FramesAndPointsFollowTheRowHeights)
+{
+	RecordingList* list = new RecordingList(BRect(0, 0, 120, 100), B_SINGLE_SELECTION_LIST);
+	list->AddItem(list->NewRow(0, 10));
+	list->AddItem(list->NewRow(1, 20.5f));
+	list->AddItem(list->NewRow(2, 5));
+	ListenedWindow window(200, 100, list);
+	window.Under([&] {
+		EXPECT_EQ(list->ItemFrame(1), BRect(0, 11, 120, 31.5f));
+		EXPECT_EQ(list->ItemFrame(2), BRect(0, 32.5f, 120, 37.5f));
+		EXPECT_EQ(list->IndexOf(BPoint(500, 10.9f)), 0);
+		EXPECT_EQ(list->IndexOf(BPoint(0, 32.4f)), 1);
+		EXPECT_EQ(list->IndexOf(BPoint(0, 38.5f)), -1);
+		EXPECT_EQ(list->IndexOf(BPoint(0, -1)), -1);
+		return 0;
+	});
+}
+
+TEST(ListView, TogglingOffAndReducingWaitForTheRelease)
+{
+	RecordingList* list = new RecordingList(BRect(0, 0, 200, 200), B_MULTIPLE_SELECTION_LIST);
+	list->Fill(6);
+	ListenedWindow window(200, 200, list);
+	auto selection = [&] {
+		window.Settle();
+		return window.Under([&] { return list->Selection(); });
+	};
+	using Rows = std::vector<int32>;
+	window.Under([&] { list->Select(0, 2); });
+	window.User().Press(20, MiddleOf(1), B_PRIMARY_MOUSE_BUTTON, B_CONTROL_KEY);
+	EXPECT_EQ(selection(), (Rows{0, 1, 2}));
+	window.User().Release(20, MiddleOf(1), B_PRIMARY_MOUSE_BUTTON, B_CONTROL_KEY);
+	EXPECT_EQ(selection(), (Rows{0, 2}));
+	window.User().Press(20, MiddleOf(2));
+	EXPECT_EQ(selection(), (Rows{0, 2}));
+	// A drag in between leaves all as it is.
+	window.User().Move(60, MiddleOf(3));
+	window.User().Release(60, MiddleOf(3));
+	EXPECT_EQ(selection(), (Rows{0, 2}));
+	window.User().Click(20, MiddleOf(0));
+	EXPECT_EQ(selection(), (Rows{0}));
+}
+
+TEST(ListView, ADragIsOfferedOnceBehindTwoPixels)
+{
+	RecordingList* list = new RecordingList(BRect(0, 0, 200, 200), B_MULTIPLE_SELECTION_LIST);
+	list->Fill(6);
+	ListenedWindow window(200, 200, list);
+	auto drags = [&] {
+		window.Settle();
+		return window.Under([&] { return list->drags; });
+	};
+	window.User().Press(20, MiddleOf(3));
+	window.User().Move(22, MiddleOf(3) - 2);
+	EXPECT_TRUE(drags().empty());
+	window.User().Move(22, MiddleOf(3) - 3);
+	EXPECT_EQ(drags(), (std::vector<std::pair<int32, bool>>{{3, false}}));
+	window.User().Move(100, MiddleOf(1));
+	window.User().Release(100, MiddleOf(1));
+	EXPECT_EQ(drags().size(), 1u);
+	window.User().Press(120, MiddleOf(3));
+	window.User().Move(130, MiddleOf(3));
+	EXPECT_EQ(drags().back(), std::make_pair(int32(3), true));
+	// The rows may go while the button is held.
+	window.Under([&] { list->MakeEmpty(); });
+	window.User().Move(150, MiddleOf(3));
+	window.User().Release(150, MiddleOf(3));
+	EXPECT_EQ(drags().size(), 2u);
+}
+
+TEST(ListView, ADoubleClickInvokesTheRow)
+{
+	RecordingList* list = new RecordingList(BRect(0, 0, 200, 200), B_MULTIPLE_SELECTION_LIST);
+	list->Fill(6);
+	ListenedWindow window(200, 200, list);
+	window.User().Click(20, MiddleOf(4));
+	window.User().Click(20, MiddleOf(4));
+	window.Settle();
+	std::vector<BMessage> invoked = window->Take(kInvoked);
+	ASSERT_EQ(invoked.size(), 1u);
+	int32 index = -1;
+	void* source = nullptr;
+	EXPECT_EQ(invoked[0].FindInt32("index", &index), B_OK);
+	EXPECT_EQ(index, 4);
+	EXPECT_EQ(invoked[0].FindPointer("source", &source), B_OK);
+	EXPECT_EQ(source, list);
+	EXPECT_TRUE(invoked[0].HasInt64("when"));
+
+	// Several rows at once carry no index, but their selection message has all.
+	window->Take(kSelected);
+	window.Under([&] { list->Select(1, 2); });
+	window.User().Key(std::string(1, B_ENTER));
+	window.Settle();
+	invoked = window->Take(kInvoked);
+	ASSERT_EQ(invoked.size(), 1u);
+	EXPECT_FALSE(invoked[0].HasInt32("index"));
+	std::vector<BMessage> selected = window->Take(kSelected);
+	ASSERT_EQ(selected.size(), 1u);
+	EXPECT_TRUE(selected[0].HasInt32("index", 1));
+}
+
+TEST(ListView, KeysScrollTheirRowIntoView)
+{
+	RecordingList* list = new RecordingList(BRect(0, 0, 200, 100), B_SINGLE_SELECTION_LIST);
+	list->Fill(100);
+	ListenedWindow window(220, 120, new BScrollView("scroll", list, B_FOLLOW_NONE, 0, false, true));
+	BScrollBar* bar = window.Under([&] { return list->ScrollBar(B_VERTICAL); });
+	ASSERT_NE(bar, nullptr);
+	float min, max;
+	bar->GetRange(&min, &max);
+	EXPECT_EQ(max, 19 * 100 - 1 - 100);
+	window.Under([&] { list->MakeFocus(); });
+	window.User().Key(std::string(1, B_END));
+	window.Settle();
+	EXPECT_EQ(window.Under([&] { return list->Bounds().top; }), max);
+	EXPECT_EQ(window.Under([&] { return bar->Value(); }), max);
+	window.User().Key(std::string(1, B_PAGE_UP));
+	window.Settle();
+	EXPECT_EQ(window.Under([&] { return list->CurrentSelection(); }), 93);
+	window.Under([&] { list->RemoveItems(10, 90); });
+	EXPECT_EQ(window.Under([&] { return list->Bounds().top; }), 19 * 10 - 1 - 100);
+	window.Under([&] { list->MakeEmpty(); });
+	EXPECT_EQ(window.Under([&] { return list->Bounds().top; }), 0);
+}

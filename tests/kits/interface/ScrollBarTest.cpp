@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+
+#include <interface/ScrollBar.h>
+
+#include <interface/ScrollView.h>
+
+#include "tests/support/ListenedWindow.h"
+#include "tests/support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+using BPrivate::ScrollBarLayout;
+using BPrivate::ScrollBarPart;
+
+namespace {
+
+class Page : public BView {
+public:
+	explicit Page(BRect frame) : BView(frame, "page", B_FOLLOW_ALL_SIDES, B_WILL_DRAW) {}
+
+	void ScrollTo(BPoint where) override
+	{
+		scrolls++;
+		BView::ScrollTo(where);
+	}
+	using BView::ScrollTo;
+
+	int scrolls = 0;
+};
+
+// A page of 100 by 100 pixels and its bar of 14 by 100, right of it, all within the border.
+struct Scene {
+	Scene() :
+		page(new Page(BRect(10, 10, 109, 109))),
+		scroll(new BScrollView("scroll", page, B_FOLLOW_NONE, 0, false, true)),
+		bar(scroll->ScrollBar(B_VERTICAL)),
+		window(200, 200, scroll)
+	{
+		window.Under([&] {
+			bar->SetRange(0, 500);
+			bar->SetSteps(10, 90);
+			bar->SetProportion(0.5f);
+		});
+	}
+	float Value()
+	{
+		window.Settle();
+		return window.Under([&] { return bar->Value(); });
+	}
+	float Offset()
+	{
+		window.Settle();
+		return window.Under([&] { return page->Bounds().top; });
+	}
+
+	Page* page;
+	BScrollView* scroll;
+	BScrollBar* bar;
+	ListenedWindow window;
+};
+
+constexpr float kBarX = 10 - 2 + 2 + 100 + 7;
+constexpr float kBarTop = 10;
+
+} // namespace
+
+TEST(ScrollBarLayout, ThumbCoversItsShareAndComesBackFromItsPlace)
+{
+	ScrollBarLayout layout(128, 14, 0, 1000, 0.25, 500);
+	EXPECT_EQ(layout.ArrowLength(), 14);
+	EXPECT_EQ(layout.ThumbLength(), 25);
+	for (int32 value = 0; value <= 1000; value++) {
+		ScrollBarLayout at(128, 14, 0, 1000, 0.25, value);
+		EXPECT_NEAR(at.ValueForThumbStart(at.ThumbStart()), value, 7);
+	}
+	EXPECT_EQ(ScrollBarLayout(128, 14, 0, 1000, 0.25, 1000).ThumbStart(), 128 - 14 - 25);
+	EXPECT_EQ(layout.ValueForThumbStart(-50), 0);
+	EXPECT_EQ(layout.ValueForThumbStart(500), 1000);
+	EXPECT_EQ(ScrollBarLayout(128, 14, 0, 1e6, 0.0001, 0).ThumbLength(), 8);
+}
+
+TEST(ScrollBarLayout, PartsFollowEachOther)
+{
+	ScrollBarLayout layout(128, 14, 0, 100, 0.25, 50);
+	EXPECT_EQ(layout.PartAt(-1), ScrollBarPart::kNone);
+	EXPECT_EQ(layout.PartAt(13.9), ScrollBarPart::kLessArrow);
+	EXPECT_EQ(layout.PartAt(14), ScrollBarPart::kTroughBefore);
+	EXPECT_EQ(layout.PartAt(layout.ThumbStart()), ScrollBarPart::kThumb);
+	EXPECT_EQ(layout.PartAt(layout.ThumbStart() + 25), ScrollBarPart::kTroughBehind);
+	EXPECT_EQ(layout.PartAt(114), ScrollBarPart::kMoreArrow);
+	EXPECT_FALSE(ScrollBarLayout(128, 14, 0, 0, 0.25, 0).HasThumb());
+	EXPECT_FALSE(ScrollBarLayout(20, 14, 0, 10, 1, 0).HasThumb());
+	EXPECT_EQ(ScrollBarLayout(20, 14, 0, 10, 1, 0).ArrowLength(), 10);
+}
+
+TEST(ScrollBar, ValuesAreWholeAndWithinTheRange)
+{
+	BScrollBar bar(BRect(0, 0, 13, 99), "bar", nullptr, 0, 100.5f, B_VERTICAL);
+	bar.SetValue(7.6f);
+	EXPECT_EQ(bar.Value(), 8);
+	bar.SetValue(1000);
+	EXPECT_EQ(bar.Value(), 100);
+	bar.SetRange(0, 40);
+	EXPECT_EQ(bar.Value(), 40);
+	bar.SetRange(50, 60);
+	EXPECT_EQ(bar.Value(), 50);
+}
+
+TEST(ScrollBar, BarAndTargetFollowEachOtherWithoutEcho)
+{
+	Scene scene;
+	scene.window.Under([&] {
+		scene.page->scrolls = 0;
+		scene.bar->SetValue(120);
+		EXPECT_EQ(scene.page->scrolls, 1);
+		EXPECT_EQ(scene.page->Bounds().top, 120);
+		scene.page->ScrollTo(0, 77);
+		EXPECT_EQ(scene.bar->Value(), 77);
+		EXPECT_EQ(scene.page->scrolls, 2);
+		// The offset is limited to the range.
+		scene.page->ScrollTo(0, 10000);
+		EXPECT_EQ(scene.page->Bounds().top, 500);
+	});
+}
+
+TEST(ScrollBar, LinkLastsUntilOneOfThemIsDeleted)
+{
+	Page* page = new Page(BRect(0, 0, 99, 99));
+	BScrollView* scroll = new BScrollView("scroll", page, B_FOLLOW_NONE, 0, true, true);
+	BScrollBar* bar = scroll->ScrollBar(B_HORIZONTAL);
+	scroll->RemoveChild(page);
+	EXPECT_EQ(page->ScrollBar(B_HORIZONTAL), bar);
+	scroll->AddChild(page);
+	scroll->RemoveChild(bar);
+	delete bar;
+	EXPECT_EQ(page->ScrollBar(B_HORIZONTAL), nullptr);
+	bar = scroll->ScrollBar(B_VERTICAL);
+	scroll->RemoveChild(page);
+	delete page;
+	EXPECT_EQ(bar->Target(), nullptr);
+	bar->SetValue(10);
+	delete scroll;
+}
+
+TEST(ScrollView, FrameIsTheTargetsGrownByBarsAndBorder)
+{
+	Page* page = new Page(BRect(30, 40, 129, 89));
+	BScrollView scroll("scroll", page, B_FOLLOW_NONE, 0, true, true);
+	EXPECT_EQ(scroll.Frame(), BRect(28, 38, 129 + 16, 89 + 16));
+	EXPECT_EQ(page->Frame(), BRect(2, 2, 101, 51));
+	EXPECT_EQ(scroll.ScrollBar(B_VERTICAL)->Frame(), BRect(102, 2, 115, 51));
+	EXPECT_EQ(scroll.ScrollBar(B_HORIZONTAL)->Frame(), BRect(2, 52, 101, 65));
+	Page* plain = new Page(BRect(0, 0, 9, 9));
+	BScrollView narrow("scroll", plain, B_FOLLOW_NONE, 0, false, false, B_NO_BORDER);
+	EXPECT_EQ(narrow.Frame(), BRect(0, 0, 9, 9));
+}
+
+TEST(ScrollBar, ArrowsAndTroughStepAndRepeatWhileHeld)
+{
+	Scene scene;
+	scene.window.User().Click(kBarX, kBarTop + 95);
+	EXPECT_EQ(scene.Value(), 10);
+	EXPECT_EQ(scene.Offset(), 10);
+	scene.window.User().Click(kBarX, kBarTop + 80);
+	EXPECT_EQ(scene.Value(), 100);
+	scene.window.User().Click(kBarX, kBarTop + 3);
+	EXPECT_EQ(scene.Value(), 90);
+	// Held until it has gone on by itself.
+	scene.window.User().Press(kBarX, kBarTop + 95);
+	EXPECT_TRUE(WaitUntil([&] { return scene.Value() >= 130; }));
+	scene.window.User().Release(kBarX, kBarTop + 95);
+	float stopped = scene.Value();
+	// Three times what lies between two repetitions.
+	bigtime_t later = system_time() + 120000;
+	EXPECT_TRUE(WaitUntil([&] { return scene.Value() != stopped || system_time() > later; }));
+	EXPECT_EQ(scene.Value(), stopped);
+}
+
+TEST(ScrollBar, ThumbTracksThePointerAlsoFromOutside)
+{
+	Scene scene;
+	// The trough has 72 pixels, the thumb 36 of them: each pixel is worth 500 / 36.
+	scene.window.User().Press(kBarX, kBarTop + 20);
+	scene.window.User().Move(kBarX, kBarTop + 38);
+	EXPECT_EQ(scene.Offset(), 250);
+	scene.window.User().Move(kBarX + 60, kBarTop + 190);
+	EXPECT_EQ(scene.Offset(), 500);
+	scene.window.User().Release(kBarX + 60, kBarTop + 190);
+	scene.window.User().Move(kBarX, kBarTop + 20);
+	EXPECT_EQ(scene.Offset(), 500);
+}
+
+TEST(ScrollBar, WheelMovesThreeSmallStepsANotch)
+{
+	Scene scene;
+	scene.window.User().Wheel(kBarX, kBarTop + 50, 0, 1);
+	EXPECT_EQ(scene.Offset(), 30);
+	scene.window.User().Wheel(50, 50, 0, 2);
+	EXPECT_EQ(scene.Offset(), 90);
+	scene.window.User().Wheel(50, 50, 0, -1);
+	EXPECT_EQ(scene.Value(), 60);
+}
