@@ -69,15 +69,10 @@ BLooper::_Loop()
 	const std::shared_ptr<LooperCore> core = fCore;
 	bigtime_t wakeUp = B_INFINITE_TIMEOUT;
 	for (;;) {
-		std::unique_ptr<BMessage> message = core->Next(wakeUp);
-		if (core->Lock().Lock() != B_OK)
+		core->Wait(wakeUp);
+		if (core->Lock().Lock() != B_OK || core->quitNow)
 			return;
-		if (core->quitNow) {
-			// Dropped while the looper still lives: its sender is told.
-			message.reset();
-			return;
-		}
-		if (message)
+		if (std::unique_ptr<BMessage> message = core->Take())
 			_Deliver(std::move(message));
 		if (fLoopEnds)
 			break;

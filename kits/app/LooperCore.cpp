@@ -34,8 +34,8 @@ LooperCore::Wake()
 	fQueueChanged.notify_one();
 }
 
-std::unique_ptr<BMessage>
-LooperCore::Next(bigtime_t deadline)
+void
+LooperCore::Wait(bigtime_t deadline)
 {
 	std::unique_lock lock(fQueueMutex);
 	auto ready = [this] { return !fQueue.empty() || fWoken; };
@@ -50,10 +50,15 @@ LooperCore::Next(bigtime_t deadline)
 		}
 		fWaiting = false;
 	}
-	if (fWoken || fQueue.empty()) {
-		fWoken = false;
+	fWoken = false;
+}
+
+std::unique_ptr<BMessage>
+LooperCore::Take()
+{
+	std::lock_guard lock(fQueueMutex);
+	if (fQueue.empty())
 		return nullptr;
-	}
 	std::unique_ptr<BMessage> message = std::move(fQueue.front());
 	fQueue.pop_front();
 	return message;

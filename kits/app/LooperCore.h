@@ -36,8 +36,11 @@ public:
 	bool Post(std::unique_ptr<BMessage> message);
 	// Makes the loop look at its wake-up time and its end again.
 	void Wake();
-	// The next message; null when `deadline` (system_time()) has come or Wake() was called.
-	std::unique_ptr<BMessage> Next(bigtime_t deadline);
+	// Returns when a message waits, Wake() was called, or `deadline` (system_time()) has come.
+	void Wait(bigtime_t deadline);
+	// Takes the oldest message, or null. With the lock held: who holds the lock sees a queue that
+	// nobody takes from.
+	std::unique_ptr<BMessage> Take();
 	bool QueueIsEmpty() const;
 	// Takes the oldest message of that kind out of the queue, or null.
 	std::unique_ptr<BMessage> TakeFirst(const std::function<bool(const BMessage&)>& wanted);

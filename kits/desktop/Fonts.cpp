@@ -4,6 +4,8 @@
 
 #include "FontCache.h"
 
+#include "JobQueue.h"
+
 #include <desktop/GuiThread.h>
 
 #include <QFontMetricsF>
@@ -11,7 +13,9 @@
 #include <QTextLayout>
 
 #include <algorithm>
+#include <dlfcn.h>
 #include <functional>
+#include <mutex>
 
 namespace desktop {
 
@@ -57,6 +61,26 @@ OneLine()
 	option.setUseDesignMetrics(sScaled);
 	option.setFlags(QTextOption::IncludeTrailingSpaces);
 	return option;
+}
+
+// Reading the fonts' settings is a third of the time from the desktop's start to the first text,
+// and needs no desktop: a thread that must wait for that reads them meanwhile. Qt links the
+// library; if this platform has none, nothing happens.
+void
+ReadFontSettings()
+{
+	using Read = int (*)();
+	if (const auto read = reinterpret_cast<Read>(dlsym(RTLD_DEFAULT, "FcInit")))
+		read();
+}
+
+bool
+WaitForFonts()
+{
+	static std::once_flag sRead;
+	if (!DesktopIsUp())
+		std::call_once(sRead, ReadFontSettings);
+	return WaitForDesktop();
 }
 
 } // namespace
@@ -182,7 +206,7 @@ FontCache::Shape(const FontSpec& spec, double scale, std::string_view text)
 FontHeights
 HeightsOf(const FontSpec& font)
 {
-	if (!WaitForDesktop())
+	if (!WaitForFonts())
 		return {font.size, font.size / 4, 0};
 	return FontCache::Current().Heights(font);
 }
@@ -190,7 +214,7 @@ HeightsOf(const FontSpec& font)
 float
 WidthOf(const FontSpec& font, const char* text, size_t length)
 {
-	if (text == nullptr || length == 0 || !WaitForDesktop())
+	if (text == nullptr || length == 0 || !WaitForFonts())
 		return 0;
 	return FontCache::Current().Shape(font, 1.0, {text, length})->width;
 }

@@ -295,8 +295,8 @@ BWindow::SetDefaultButton(BButton* button)
 void
 BWindow::AddShortcut(uint32 key, uint32 modifiers, BMessage* message, BHandler* target)
 {
-	Shortcut shortcut{key, modifiers, std::unique_ptr<BMessage>(message), BMessenger(target)};
-	fShortcuts.push_back(std::move(shortcut));
+	fShortcuts.push_back({key, modifiers, std::unique_ptr<BMessage>(message), BMessenger(target),
+		target != nullptr});
 }
 
 void

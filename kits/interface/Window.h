@@ -91,6 +91,7 @@ private:
 		uint32 modifiers;
 		std::unique_ptr<BMessage> message;
 		BMessenger target;
+		bool hasTarget;
 	};
 
 	void _Realize();       // makes the desktop's window and shows it
@@ -110,7 +111,7 @@ private:
 	void _MouseUp(BMessage* message, BView* target);
 	void _MouseMoved(BMessage* message, BView* target);
 	void _KeyDown(BMessage* message, BView* target);
-	bool _TakeShortcut(BMessage* message);
+	BHandler* _TakeShortcut(BMessage* message, BHandler* target);
 	void _NavigateFocus(bool backward);
 	void _ActivationChanged(bool active);
 

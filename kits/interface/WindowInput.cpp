@@ -41,6 +41,26 @@ Int32Of(const BMessage& message, const char* name)
 	return value;
 }
 
+// What Command with a key means in every window, or 0.
+uint32
+CommandOf(uint32 key)
+{
+	switch (key) {
+		case 'x':
+			return B_CUT;
+		case 'c':
+			return B_COPY;
+		case 'v':
+			return B_PASTE;
+		case 'a':
+			return B_SELECT_ALL;
+		case 'w': // the window
+		case 'q': // the application
+			return B_QUIT_REQUESTED;
+	}
+	return 0;
+}
+
 // The window's point in the view's coordinates.
 BPoint
 InView(const BView* view, BPoint where)
@@ -117,9 +137,8 @@ BWindow::_RetargetKey(BMessage* message)
 {
 	if (BPrivate::InputBlockedBy(this))
 		return nullptr;
-	if (message->what == B_KEY_DOWN && _TakeShortcut(message))
-		return nullptr;
-	return fFocus != nullptr ? static_cast<BHandler*>(fFocus) : this;
+	BHandler* target = fFocus != nullptr ? static_cast<BHandler*>(fFocus) : this;
+	return message->what == B_KEY_DOWN ? _TakeShortcut(message, target) : target;
 }
 
 void
@@ -243,51 +262,45 @@ BWindow::_KeyDown(BMessage* message, BView* target)
 		_NavigateFocus((Int32Of(*message, "modifiers") & B_SHIFT_KEY) != 0);
 }
 
-// Command and Control both make shortcuts. What no shortcut knows is swallowed, so that Control
-// with a letter never reaches a view as that letter.
-bool
-BWindow::_TakeShortcut(BMessage* message)
+// Command and Control both make shortcuts. The key's message becomes the shortcut's in place, so
+// that a key pressed right after it comes later. What no shortcut knows is swallowed, so that
+// Control with a letter never reaches a view as that letter. Returns the message's target.
+BHandler*
+BWindow::_TakeShortcut(BMessage* message, BHandler* target)
 {
 	uint32 held = static_cast<uint32>(Int32Of(*message, "modifiers"));
-	if ((held & (B_COMMAND_KEY | B_CONTROL_KEY)) == 0)
-		return false;
 	const char* bytes = nullptr;
-	if (message->FindString("bytes", &bytes) != B_OK || bytes[0] == '\0')
-		return false;
+	if ((held & (B_COMMAND_KEY | B_CONTROL_KEY)) == 0
+		|| message->FindString("bytes", &bytes) != B_OK || bytes[0] == '\0')
+		return target;
 	uint32 key = static_cast<uint32>(Int32Of(*message, "raw_char"));
 	if (key >= 'A' && key <= 'Z')
 		key += 'a' - 'A';
 	constexpr uint32 kOthers = B_SHIFT_KEY | B_OPTION_KEY;
 	for (const Shortcut& shortcut : fShortcuts) {
-		if (shortcut.key == key && (shortcut.modifiers & kOthers) == (held & kOthers)) {
-			if (shortcut.target.IsValid())
-				shortcut.target.SendMessage(shortcut.message.get());
-			else
-				PostMessage(shortcut.message.get());
-			return true;
-		}
+		if (shortcut.key != key || (shortcut.modifiers & kOthers) != (held & kOthers))
+			continue;
+		BHandler* its = shortcut.hasTarget ? shortcut.target.Target(nullptr) : this;
+		*message = *shortcut.message;
+		if (its != nullptr && its->Looper() == this)
+			return its;
+		shortcut.target.SendMessage(message);
+		return nullptr;
 	}
-	if ((held & kOthers) == 0) {
-		uint32 edit = key == 'x' ? B_CUT
-			: key == 'c'		 ? B_COPY
-			: key == 'v'		 ? B_PASTE
-			: key == 'a'		 ? B_SELECT_ALL
-								 : 0u;
-		if (edit != 0) {
-			PostMessage(edit, nullptr);
-			return true;
-		}
-		if (key == 'w' || key == 'q') {
-			BMessage quit(B_QUIT_REQUESTED);
-			if (key == 'w')
-				PostMessage(&quit);
-			else
-				be_app_messenger.SendMessage(&quit);
-			return true;
-		}
+	uint32 command = (held & kOthers) == 0 ? CommandOf(key) : 0;
+	if (command == B_QUIT_REQUESTED) {
+		*message = BMessage(command);
+		if (key == 'w')
+			return this;
+		be_app_messenger.SendMessage(message);
+		return nullptr;
+	}
+	if (command != 0) {
+		*message = BMessage(command);
+		return target;
 	}
 	bool isText = static_cast<unsigned char>(bytes[0]) > B_SPACE && bytes[0] != B_DELETE;
-	return isText || (held & B_COMMAND_KEY) != 0;
+	return isText || (held & B_COMMAND_KEY) != 0 ? nullptr : target;
 }
 
 void

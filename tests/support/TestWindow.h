@@ -48,6 +48,7 @@ public:
 		for (int i = 0; i < 2; i++) { // what the first one causes is done at the second
 			BMessage sync('sync'), reply;
 			ASSERT_EQ(B_OK, BMessenger(this).SendMessage(&sync, &reply));
+			Locked painted(this); // the window keeps its lock until it has painted
 		}
 	}
 

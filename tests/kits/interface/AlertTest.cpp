@@ -29,6 +29,17 @@ Ask(const char* title)
 	return std::async(std::launch::async, [title] { return YesNo(title)->Go(); });
 }
 
+// Fails, and closes what is open, instead of waiting for ever.
+int32
+AnswerOf(std::future<int32>& answer)
+{
+	if (answer.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
+		ADD_FAILURE() << "the alert was not answered";
+		BPrivate::CloseAllAlerts();
+	}
+	return answer.get();
+}
+
 BView*
 NewPage()
 {
@@ -48,7 +59,7 @@ TEST(Alert, TheRightmostButtonTakesEnter)
 {
 	std::future<int32> answer = Ask("enter");
 	InjectedUser("enter").Key(std::string(1, B_ENTER));
-	EXPECT_EQ(answer.get(), 1);
+	EXPECT_EQ(AnswerOf(answer), 1);
 }
 
 TEST(Alert, ShortcutsAndTheCloseBoxEndIt)
@@ -63,16 +74,16 @@ TEST(Alert, ShortcutsAndTheCloseBoxEndIt)
 		user.Key("x");
 		user.Key(std::string(1, B_ESCAPE));
 	}
-	EXPECT_EQ(answer.get(), 0);
+	EXPECT_EQ(AnswerOf(answer), 0);
 
 	answer = Ask("box");
 	InjectedUser("box").Close();
-	EXPECT_EQ(answer.get(), -1);
+	EXPECT_EQ(AnswerOf(answer), -1);
 
 	answer = Ask("all");
 	InjectedUser all("all");
 	BPrivate::CloseAllAlerts();
-	EXPECT_EQ(answer.get(), -1);
+	EXPECT_EQ(AnswerOf(answer), -1);
 }
 
 TEST(Alert, ButtonsStandInOrderAtTheRight)
@@ -103,7 +114,7 @@ TEST(Alert, OtherWindowsTakeNoInputWhileItIsOpen)
 	window.Settle();
 	EXPECT_TRUE(window->Take('push').empty());
 	user.Key(std::string(1, B_ENTER));
-	EXPECT_EQ(answer.get(), 1);
+	EXPECT_EQ(AnswerOf(answer), 1);
 	window.User().Click(20, 20);
 	window.Settle();
 	EXPECT_EQ(window->Take('push').size(), 1u);
@@ -122,7 +133,7 @@ TEST(Alert, AlertsOfWorkerThreadsComeOneAfterTheOther)
 	asker.join(); // does not wait for the answer
 	EXPECT_EQ(first.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
 	one.Key(std::string(1, B_ENTER));
-	EXPECT_EQ(first.get(), 1);
+	EXPECT_EQ(AnswerOf(first), 1);
 	InjectedUser("second").Key(std::string(1, B_ENTER));
 	std::vector<BMessage> answers;
 	ASSERT_TRUE(WaitUntil([&] {

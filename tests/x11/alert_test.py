@@ -1,0 +1,82 @@
+# SPDX-License-Identifier: MIT
+
+# The About alert, which waits for an answer while the window behind it stays alive.
+
+import os
+import signal
+import unittest
+
+from desktop import FRAME, X11Test, wait_until
+
+ABOUT = os.environ.get("KORVA_ABOUT", "build/check/tests/about_program")
+WHITE = (255, 255, 255)
+
+
+class Alert(X11Test):
+    def setUp(self):
+        self.korva = self.start(self.new_folder("folder/", "file"), program=ABOUT)
+        self.alert = self.korva.window("About")
+
+    def assert_alert_closes(self):
+        wait_until(lambda: self.korva.find_window("About") is None, "the end of the alert")
+
+    def assert_works(self):
+        """A click on the folder on the left empties the right pane."""
+        self.korva.click(30, 35)
+        self.korva.wait_for_picture(
+            lambda now: len(now.part(180, 30, 480, 470).colours()) == 1, "an empty right pane")
+
+    def test_enter_answers_it(self):
+        self.korva.steady_picture("About")
+        self.display.press("Return")
+        self.assert_alert_closes()
+        self.assert_works()
+
+    def test_click_on_thanks_answers_it(self):
+        picture = self.korva.steady_picture("About")
+        self.korva.click(picture.width - 40, picture.height - 20, title="About")
+        self.assert_alert_closes()
+        self.assert_works()
+
+    def test_closing_it_answers_it(self):
+        self.korva.close("About")
+        self.assert_alert_closes()
+        self.assert_works()
+
+    def test_window_behind_follows_resizes_but_takes_no_clicks(self):
+        self.korva.resize(800, 700)
+        self.korva.wait_for_size(800, 700)
+        # Right of the alert and below it, which keeps its place in the middle.
+        self.korva.wait_for_picture(
+            lambda now: now.at(790 - 20, 690) == WHITE, "rows in the new corner")
+        self.display.do("xdotool", "windowraise", self.korva.window())
+        before = self.korva.steady_picture()
+        self.korva.click(30, 35)
+        self.korva.click(200, 35)
+        self.display.press("Down")
+        after = self.korva.steady_picture()
+        rows = (2, 29, 140, 400)
+        self.assertEqual(after.part(*rows), before.part(*rows))
+        items = (180, 29, 260, 100)
+        self.assertEqual(after.part(*items), before.part(*items))
+        self.assertIsNotNone(self.korva.find_window("About"))
+
+    def test_window_behind_repaints_what_the_alert_uncovers(self):
+        self.display.do("xdotool", "windowmove", self.alert, "700", "600")
+        wait_until(lambda: self.korva.frame("About")[0] > 600, "the alert at its new place")
+        fresh = self.start(self.new_folder("folder/", "file"))
+        fresh.window()
+        self.korva.wait_for_picture(
+            lambda now: now.part(180, 80, 480, 400).colours() == {WHITE}, "nothing of the alert")
+
+    def test_program_ends_with_the_alert_open(self):
+        self.korva.process.send_signal(signal.SIGTERM)
+        self.assert_ends_well(self.korva)
+
+    def test_closing_the_window_behind_ends_the_program(self):
+        self.korva.close()
+        self.assert_ends_well(self.korva)
+
+
+if __name__ == "__main__":
+    unittest.main()
