@@ -40,6 +40,9 @@ ItemView::MessageReceived(BMessage* message)
 		case kMSG_ItemInvocation:
 			ItemInvoked();
 			break;
+		case B_PASTE:
+			// Ends here: the window sends it back to whoever lets it climb.
+			break;
 		case B_SELECT_ALL:
 			fList->Select(0, fList->CountItems() - 1);
 			break;

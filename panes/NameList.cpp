@@ -55,5 +55,5 @@ NameList::InScrollView(BRect bounds, NameList** list, const char* name, list_vie
 	bounds.InsetBy(kBorder, kBorder);
 	bounds.right -= B_V_SCROLL_BAR_WIDTH;
 	*list = new NameList(bounds, name, type);
-	return new BScrollView(name, *list, B_FOLLOW_ALL_SIDES, 0, false, true, B_FANCY_BORDER);
+	return new BScrollView(nullptr, *list, B_FOLLOW_ALL_SIDES, 0, false, true, B_FANCY_BORDER);
 }

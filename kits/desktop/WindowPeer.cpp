@@ -6,6 +6,7 @@
 
 #include "CanvasData.h"
 
+#include <QGuiApplication>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QTimerEvent>
@@ -70,10 +71,25 @@ PeerWindow::ResizeContent(const QSize& size)
 	resize(size);
 }
 
+// The window that a dialog has to stay above: else it could be lost behind one that takes no input.
+QWindow*
+PeerWindow::WindowBehind() const
+{
+	QWindow* behind = QGuiApplication::focusWindow();
+	if (behind != nullptr && behind != this && behind->isVisible())
+		return behind;
+	behind = nullptr;
+	for (QWindow* window : QGuiApplication::topLevelWindows()) {
+		if (window != this && window->isVisible())
+			behind = window;
+	}
+	return behind;
+}
+
 void
 PeerWindow::ShowFirst(const CanvasData& canvas, QWindow* parent)
 {
-	setTransientParent(parent);
+	setTransientParent(parent == nullptr && type() == Qt::Dialog ? WindowBehind() : parent);
 	create();
 	TakePicture(canvas, QRect(0, 0, canvas.width, canvas.height));
 	show();

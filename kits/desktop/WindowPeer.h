@@ -44,6 +44,7 @@ protected:
 	void focusOutEvent(QFocusEvent* event) override;
 
 private:
+	QWindow* WindowBehind() const;
 	QImage* StoreImage();
 	void CopyPixels(const CanvasData& canvas, const QRegion& region);
 	void FlushAll();

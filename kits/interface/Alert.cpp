@@ -153,6 +153,15 @@ CallersLooper()
 	return nullptr;
 }
 
+// The application cannot take its B_QUIT_REQUESTED while its own thread waits for an answer.
+static bool
+IsAskedToQuit(const BPrivate::LooperCore& core)
+{
+	bool asked = false;
+	core.Visit([&](const BMessage& message) { return asked = message.what == B_QUIT_REQUESTED; });
+	return asked;
+}
+
 // Starts the loop and asks for the window. Afterwards the alert may be gone at any time.
 bool
 BAlert::Open()
@@ -185,16 +194,19 @@ BAlert::Go()
 void
 BAlert::Wait(const Outcome& outcome)
 {
-	BWindow* caller = nullptr;
-	if (std::shared_ptr<BPrivate::LooperCore> core = CallersLooper())
-		caller = dynamic_cast<BWindow*>(core->Looper());
-	if (caller == nullptr) {
+	std::shared_ptr<BPrivate::LooperCore> caller = CallersLooper();
+	if (!caller) {
 		while (acquire_sem(outcome.answered) == B_INTERRUPTED) {
 		}
 		return;
 	}
-	while (acquire_sem_etc(outcome.answered, 1, B_RELATIVE_TIMEOUT, kServeInterval) == B_TIMED_OUT)
-		caller->_ServeWhileBlocked();
+	BWindow* window = dynamic_cast<BWindow*>(caller->Looper());
+	while (acquire_sem_etc(outcome.answered, 1, B_RELATIVE_TIMEOUT, kServeInterval) == B_TIMED_OUT) {
+		if (window != nullptr)
+			window->_ServeWhileBlocked();
+		else if (IsAskedToQuit(*caller))
+			BPrivate::CloseAllAlerts(); // the answer is none, and Go() returns
+	}
 }
 
 status_t

@@ -6,6 +6,7 @@
 
 #include <app/AppDefs.h>
 #include <desktop/GuiThread.h>
+#include <interface/Control.h>
 #include <interface/ScrollBar.h>
 #include <interface/Window.h>
 
@@ -266,7 +267,8 @@ BView::_CollectNavigable(std::vector<BView*>& views)
 {
 	if (fHidden > 0)
 		return;
-	if ((fFlags & B_NAVIGABLE) != 0)
+	const BControl* control = dynamic_cast<const BControl*>(this);
+	if ((fFlags & B_NAVIGABLE) != 0 && (control == nullptr || control->IsEnabled()))
 		views.push_back(this);
 	for (BView* child : fChildren)
 		child->_CollectNavigable(views);
