@@ -13,20 +13,22 @@ class BApplication : public BLooper {
 public:
 	explicit BApplication(const char* signature);
 	BApplication(const char* signature, status_t* error);
-	~BApplication() override;
+	~BApplication() override; // ends all loopers that run
 
 	// Runs the loop in the calling thread until the application quits; first come
-	// B_ARGV_RECEIVED (when there are arguments) and B_READY_TO_RUN.
+	// B_ARGV_RECEIVED (when there are arguments) and B_READY_TO_RUN, even before what was posted
+	// earlier.
 	thread_id Run() override;
 	void Quit() override; // makes Run() return; deletes nothing
 
-	// Asks every window in turn; all are closed when none refuses.
+	// Asks every window that was shown in turn; all are closed when none refuses. The
+	// application's own lock is given up meanwhile.
 	bool QuitRequested() override;
 	void DispatchMessage(BMessage* message, BHandler* target) override;
 	void MessageReceived(BMessage* message) override;
 
 	virtual void ReadyToRun();
-	virtual void ArgvReceived(int32 argc, char** argv);
+	virtual void ArgvReceived(int32 argc, char** argv); // as main() gets them
 	virtual void RefsReceived(BMessage* message);
 	virtual void AboutRequested();
 
@@ -37,9 +39,13 @@ public:
 	void SetCursor(const void* cursor);
 
 private:
+	void _ArgumentsReceived(const BMessage& message);
+
 	std::string fSignature;
 	bool fQuitting = false;
 };
 
-extern BApplication* be_app;          // null outside an application's life
+// Null outside an application's life. Threads that may outlive it use the messenger, which only
+// becomes invalid.
+extern BApplication* be_app;
 extern BMessenger be_app_messenger;

@@ -29,8 +29,9 @@ public:
 	virtual void MessageReceived(BMessage* message);
 
 	// Null outside a looper. Any thread.
-	BLooper* Looper() const { return fLooper.load(std::memory_order_relaxed); }
-	bool LockLooper();                          // false without a looper, or when that is gone
+	BLooper* Looper() const { return fLooper.load(std::memory_order_acquire); }
+	// False without a looper, or when that is gone: then nobody touches the handler any more.
+	bool LockLooper();
 	void UnlockLooper();
 
 	const char* Name() const { return fHasName ? fName.c_str() : nullptr; }

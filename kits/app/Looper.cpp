@@ -5,6 +5,7 @@
 #include <app/AppDefs.h>
 #include <app/MessageFilter.h>
 #include <app/MessagePrivate.h>
+#include <kernel/DeferKill.h>
 
 #include "kits/app/LooperCore.h"
 
@@ -25,16 +26,22 @@ BLooper::BLooper(const char* name, int32 priority, int32) :
 
 BLooper::~BLooper()
 {
-	LooperRegistry::Remove(this);
-	// Handlers that were added and not removed live on without a looper.
+	// Handlers that were added and not removed live on without a looper. They are let go before
+	// anybody's Lock() fails: their owners may delete them from then on.
 	for (const auto& entry : fCore->handlers) {
-		if (entry.second != this)
-			entry.second->fLooper = nullptr;
+		if (entry.second == this)
+			continue;
+		entry.second->fNextHandler = nullptr;
+		entry.second->fLooper = nullptr;
 	}
 	fCore->Close();
+	LooperRegistry::Remove(this);
 	fLooper = nullptr;
 	for (BMessageFilter* filter : fCommonFilters)
 		delete filter;
+	// Nobody gets the lock any more; its holder must not count as one for ever.
+	while (fCore->Lock().IsLockedByCaller())
+		fCore->Lock().Unlock();
 }
 
 thread_id
@@ -46,7 +53,6 @@ BLooper::Run()
 	if (thread < 0)
 		return thread;
 	fCore->thread = thread;
-	LooperRegistry::ThreadStarted();
 	resume_thread(thread);
 	Unlock();
 	return thread;
@@ -55,12 +61,29 @@ BLooper::Run()
 int32
 BLooper::_ThreadEntry(void* looper)
 {
-	struct Ended {
-		~Ended() { LooperRegistry::ThreadEnded(); }
-	} ended;
 	BLooper* self = static_cast<BLooper*>(looper);
+	// On every way out: the end of the loop, a hook that called exit_thread(), a kill.
+	struct Ending {
+		~Ending()
+		{
+			_Delete(looper, *core);
+			LooperRegistry::ThreadEnded();
+		}
+		BLooper* looper;
+		const std::shared_ptr<LooperCore> core;
+	} ending{self, self->fCore};
+	LooperRegistry::ThreadStarted();
 	self->_Loop();
-	self->_DeleteAndExit();
+	return B_OK;
+}
+
+// Unless somebody has done it already.
+void
+BLooper::_Delete(BLooper* looper, LooperCore& core)
+{
+	const BPrivate::DeferKill noKill; // destructors call this
+	if (core.Lock().Lock() == B_OK)
+		delete looper;
 }
 
 void
@@ -139,12 +162,18 @@ BHandler*
 BLooper::_RunFilters(BMessage* message, BHandler* target)
 {
 	std::vector<BMessageFilter*> done;
-	if (!fCommonFilters.empty() && !_Filter(fCommonFilters, done, message, &target))
-		return nullptr;
+	BHandler* before;
+	if (!fCommonFilters.empty()) {
+		do { // a redirection ends a round, and spares none of the common filters
+			before = target;
+			if (!_Filter(fCommonFilters, done, message, &target))
+				return nullptr;
+		} while (target != before);
+	}
 	for (;;) {
 		if (target->Looper() != this)
 			return nullptr;
-		BHandler* before = target;
+		before = target;
 		if (!target->fFilters.empty() && !_Filter(target->fFilters, done, message, &target))
 			return nullptr;
 		if (target == before)
@@ -160,30 +189,19 @@ BLooper::Quit()
 	thread_id thread = core->thread;
 	if (thread < 0) { // never ran
 		delete this;
-		while (core->Lock().IsLockedByCaller())
-			core->Lock().Unlock();
 		return;
 	}
-	if (thread == find_thread(nullptr))
-		_DeleteAndExit();
+	if (thread == find_thread(nullptr)) {
+		delete this;
+		exit_thread(B_OK);
+	}
 
 	core->quitNow = true;
 	core->Wake();
 	while (core->Lock().IsLockedByCaller())
 		core->Lock().Unlock();
 	wait_for_thread(thread);
-}
-
-void
-BLooper::_DeleteAndExit()
-{
-	const std::shared_ptr<LooperCore> core = fCore;
-	if (!core->Lock().IsLockedByCaller())
-		core->Lock().Lock();
-	delete this;
-	while (core->Lock().IsLockedByCaller())
-		core->Lock().Unlock();
-	exit_thread(B_OK);
+	_Delete(this, *core); // a thread that was killed before it began has left it behind
 }
 
 bool
@@ -273,13 +291,6 @@ BLooper::Thread() const
 	return core ? core->thread.load() : B_BAD_THREAD_ID;
 }
 
-thread_id
-BLooper::LockingThread() const
-{
-	std::shared_ptr<LooperCore> core = LooperRegistry::Find(this);
-	return core ? core->Lock().Holder() : -1;
-}
-
 void
 BLooper::AddHandler(BHandler* handler)
 {
@@ -301,12 +312,6 @@ BLooper::RemoveHandler(BHandler* handler)
 	handler->fLooper = nullptr;
 	handler->fNextHandler = nullptr;
 	return true;
-}
-
-int32
-BLooper::CountHandlers() const
-{
-	return static_cast<int32>(fCore->handlers.size());
 }
 
 void

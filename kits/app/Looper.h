@@ -47,12 +47,10 @@ public:
 	void Unlock();
 	bool IsLocked() const; // by the calling thread
 	thread_id Thread() const;
-	thread_id LockingThread() const;
 
 	// All these need the lock.
 	void AddHandler(BHandler* handler);
 	bool RemoveHandler(BHandler* handler); // deletes nothing
-	int32 CountHandlers() const;
 	void SetPreferredHandler(BHandler* handler);
 	BHandler* PreferredHandler() const { return fPreferred; }
 	void AddCommonFilter(BMessageFilter* filter); // owned from now on
@@ -94,7 +92,7 @@ private:
 	BHandler* _RunFilters(BMessage* message, BHandler* target);
 	static bool _Filter(const std::vector<BMessageFilter*>& filters, std::vector<BMessageFilter*>& done,
 		BMessage* message, BHandler** target);
-	[[noreturn]] void _DeleteAndExit();
+	static void _Delete(BLooper* looper, BPrivate::LooperCore& core);
 
 	std::shared_ptr<BPrivate::LooperCore> fCore;
 	int32 fPriority;

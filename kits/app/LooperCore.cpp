@@ -11,11 +11,23 @@ namespace BPrivate {
 bool
 LooperCore::Post(std::unique_ptr<BMessage> message)
 {
+	return Enqueue(std::move(message), false);
+}
+
+bool
+LooperCore::PostFirst(std::unique_ptr<BMessage> message)
+{
+	return Enqueue(std::move(message), true);
+}
+
+bool
+LooperCore::Enqueue(std::unique_ptr<BMessage> message, bool first)
+{
 	{
 		std::lock_guard lock(fQueueMutex);
 		if (fClosed)
 			return false;
-		fQueue.push_back(std::move(message));
+		fQueue.insert(first ? fQueue.begin() : fQueue.end(), std::move(message));
 		// A loop that is busy looks into its queue before it waits: no need to wake it.
 		if (!fWaiting)
 			return true;
@@ -180,11 +192,12 @@ LooperRegistry::ThreadEnded()
 	TheRegistry().threadEnded.notify_all();
 }
 
-void
-LooperRegistry::WaitForThreads()
+bool
+LooperRegistry::WaitForThreads(bigtime_t timeout)
 {
 	std::unique_lock lock(TheRegistry().threadMutex);
-	TheRegistry().threadEnded.wait(lock, [] { return TheRegistry().threads == 0; });
+	return TheRegistry().threadEnded.wait_for(lock, std::chrono::microseconds(timeout),
+		[] { return TheRegistry().threads == 0; });
 }
 
 int64

@@ -34,6 +34,8 @@ public:
 
 	// Any thread, no lock needed. False when closed; the message is then destroyed.
 	bool Post(std::unique_ptr<BMessage> message);
+	// The same, before all that wait already. Loops that run may have taken one.
+	bool PostFirst(std::unique_ptr<BMessage> message);
 	// Makes the loop look at its wake-up time and its end again.
 	void Wake();
 	// Returns when a message waits, Wake() was called, or `deadline` (system_time()) has come.
@@ -60,6 +62,8 @@ public:
 	std::unordered_map<int64, BHandler*> handlers;
 
 private:
+	bool Enqueue(std::unique_ptr<BMessage> message, bool first);
+
 	FairLock fLock;
 	BLooper* fLooper;
 	std::atomic<bool> fClosed = false;
@@ -79,10 +83,10 @@ public:
 	static std::shared_ptr<LooperCore> Find(const BLooper* looper);
 	static std::vector<std::shared_ptr<LooperCore>> All();
 
-	// Threads of loopers count from Run() to their end.
+	// Threads of loopers count from their first instruction to their last.
 	static void ThreadStarted();
 	static void ThreadEnded();
-	static void WaitForThreads();
+	static bool WaitForThreads(bigtime_t timeout); // false: some are left
 };
 
 // The next handler token, never given twice.

@@ -49,6 +49,20 @@ public:
 	status_t RemoveData(const char* name, int32 index = 0);
 	void MakeEmpty(); // removes the fields; `what` stays
 
+	// The message as bytes, for files and other programs on this machine: `what` and the fields,
+	// those of nested messages too. Pointers become numbers. Messengers mean nothing outside of
+	// this process: their fields are left out. That the message was dropped, and who waits for an
+	// answer, is lost.
+	// B_BAD_VALUE for messages nested deeper than 32 levels and for more than 2 GB.
+	ssize_t FlattenedSize() const;
+	// `size` is the buffer's and may be larger than needed; B_NO_MEMORY when it is too small.
+	status_t Flatten(char* buffer, ssize_t size) const;
+	// Replaces `what` and fields. B_BAD_VALUE for anything but an image made by Flatten(), which is
+	// checked as a whole; the message is empty then, `what` 0. At most `size` bytes are read, and
+	// memory is taken in proportion to them. The form without a size trusts the image to tell it.
+	status_t Unflatten(const char* buffer);
+	status_t Unflatten(const char* buffer, ssize_t size);
+
 	// Delivery by drag and drop. Copies remember it too.
 	bool WasDropped() const { return fDropped; }
 	// In screen coordinates; (0, 0) when not dropped. `offset`: the pointer's position within the

@@ -79,6 +79,7 @@ public:
 	status_t Find(const char* name, type_code type, int32 index, const FieldItem** item) const;
 
 	status_t Add(const char* name, type_code type, FieldItem item);
+	void Append(Field field) { fFields.push_back(std::move(field)); } // no field has its name
 	status_t Replace(const char* name, type_code type, int32 index, FieldItem item);
 	status_t Remove(const char* name);
 	status_t Remove(const char* name, int32 index); // with its last item the field goes

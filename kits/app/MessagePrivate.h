@@ -40,6 +40,20 @@ private:
 	BMessage fAnswer;
 };
 
+// Whether `length` bytes can be an item of the type, so that the typed Finds need not ask. Errors
+// as of BMessage::AddData().
+status_t CheckItem(type_code type, const void* data, ssize_t length);
+
+// The head of a flattened message, before its body.
+struct ImageHead {
+	uint32 magic;
+	uint32 check; // of all that follows
+	uint32 size;  // of head and body
+};
+
+// Writes the head of an image whose body is in place.
+void SealImage(char* image, size_t size);
+
 // Nothing of this is copied with a message except the dropped state.
 struct MessageAccess {
 	static void SetDropped(BMessage& message, bool dropped) { message.fDropped = dropped; }
@@ -48,6 +62,7 @@ struct MessageAccess {
 	static std::shared_ptr<ReplySlot>& Reply(BMessage& message) { return message.fReply; }
 	static std::shared_ptr<BMessenger>& ReplyTo(BMessage& message) { return message.fReplyTo; }
 	static const MessageFields& Fields(const BMessage& message) { return message.fFields; }
+	static MessageFields& Fields(BMessage& message) { return message.fFields; }
 };
 
 } // namespace BPrivate

@@ -3,6 +3,7 @@
 // The accessors of BMessage for each type of field.
 
 #include <app/Message.h>
+#include <app/MessagePrivate.h>
 #include <app/Messenger.h>
 
 #include <cstring>
@@ -71,9 +72,10 @@ ReadRef(const FieldItem& item, entry_ref* ref)
 	return B_OK;
 }
 
-// Whether `length` bytes can be an item of the type, so that the typed Finds need not ask.
+} // namespace
+
 status_t
-CheckData(type_code type, const void* data, ssize_t length)
+BPrivate::CheckItem(type_code type, const void* data, ssize_t length)
 {
 	if (length < 0 || (data == nullptr && length > 0))
 		return B_BAD_VALUE;
@@ -117,8 +119,6 @@ CheckData(type_code type, const void* data, ssize_t length)
 	}
 	return static_cast<size_t>(length) == expected ? B_OK : B_BAD_VALUE;
 }
-
-} // namespace
 
 // Types cannot stand in parentheses, and a messenger is cheap to copy.
 // NOLINTBEGIN(bugprone-macro-parentheses,performance-unnecessary-value-param)
@@ -333,7 +333,7 @@ status_t
 BMessage::AddData(const char* name, type_code type, const void* data, ssize_t length,
 	[[maybe_unused]] bool fixedSize, [[maybe_unused]] int32 expectedItems)
 {
-	status_t status = CheckData(type, data, length);
+	status_t status = BPrivate::CheckItem(type, data, length);
 	if (status != B_OK)
 		return status;
 	return fFields.Add(name, type, FieldItem(data, length));
@@ -374,7 +374,7 @@ status_t
 BMessage::ReplaceData(
 	const char* name, type_code type, int32 index, const void* data, ssize_t length)
 {
-	status_t status = CheckData(type, data, length);
+	status_t status = BPrivate::CheckItem(type, data, length);
 	if (status != B_OK)
 		return status;
 	return fFields.Replace(name, type, index, FieldItem(data, length));

@@ -25,7 +25,6 @@ public:
 	explicit BMessenger(const BHandler* handler, const BLooper* looper = nullptr, status_t* error = nullptr);
 
 	bool IsValid() const; // the target's looper still exists
-	bool IsTargetLocal() const { return fCore != nullptr; }
 
 	// Locks the target's looper. False without a target or when looper or handler are gone.
 	// Undone by Unlock() on the looper from Target().

@@ -7,6 +7,8 @@
 #include <desktop/Pixels.h>
 #include <interface/InterfaceDefs.h>
 
+#include <functional>
+#include <memory>
 #include <string>
 
 namespace desktop {
@@ -46,8 +48,13 @@ public:
 	int32 Width() const;
 	int32 Height() const;
 
+	// The same picture with twice as many pixels in each direction, for screens that show more of
+	// them. `make` is called once, when such a screen draws this picture or a copy.
+	void SetDouble(std::function<Picture()> make);
+
 private:
 	friend class Canvas;
+	friend struct PictureData;
 	std::shared_ptr<struct PictureData> fData;
 };
 

@@ -10,6 +10,7 @@
 #include <QPainter>
 #include <QRegion>
 
+#include <functional>
 #include <mutex>
 #include <optional>
 
@@ -18,6 +19,7 @@ namespace desktop {
 struct PictureData {
 	explicit PictureData(QImage pixels) : image(std::move(pixels)) {}
 
+	void SetDouble(std::function<Picture()> make);
 	// Part of the picture in another size; remembers the last one, for icons on a scaled screen.
 	QImage Scaled(const QRect& source, const QSize& size);
 
@@ -25,6 +27,8 @@ struct PictureData {
 
 private:
 	std::mutex fLock; // pictures are shared by threads; guards the fields below
+	std::function<Picture()> fMakeDouble; // until it is called
+	QImage fDouble;
 	QRect fScaledSource;
 	QImage fScaled;
 };

@@ -228,6 +228,13 @@ Wish()
 	return *sWish;
 }
 
+std::vector<std::string>&
+Arguments()
+{
+	static auto* sArguments = new std::vector<std::string>;
+	return *sArguments;
+}
+
 } // namespace
 
 bool
@@ -288,6 +295,18 @@ AskToQuit()
 		wish.handler();
 	else
 		wish.asked = true;
+}
+
+const std::vector<std::string>&
+ProgramArguments()
+{
+	return Arguments();
+}
+
+void
+SetProgramArguments(int argc, char** argv)
+{
+	Arguments().assign(argv, argv + argc);
 }
 
 void

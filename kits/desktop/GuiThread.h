@@ -8,6 +8,8 @@
 #include <support/SupportDefs.h>
 
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace desktop {
 
@@ -46,6 +48,10 @@ struct InputState {
 	uint32 modifiers = 0;
 };
 InputState CurrentInput();
+
+// What the program was started with, its own name first; empty in a program whose main function is
+// not the kits'. Any thread.
+const std::vector<std::string>& ProgramArguments();
 
 // Called in the GUI thread (must not block) when the process is asked to end: SIGTERM, SIGHUP,
 // SIGINT or a display that went away. Set by BApplication; an empty function unsets.

@@ -10,6 +10,9 @@ namespace desktop {
 // Declares the calling thread to be the GUI thread.
 void EnterGuiThread();
 
+// Before any other thread is started.
+void SetProgramArguments(int argc, char** argv);
+
 // From now on jobs run, those given before first. The application object must exist.
 void OpenJobQueue();
 

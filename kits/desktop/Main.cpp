@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -42,6 +43,19 @@ const char* sProgramName = "program";
 Program* sProgram = nullptr; // while its thread was not joined
 bool sInEventLoop = false;   // GUI thread
 bool sProgramEnded = false;  // GUI thread
+
+// A program may be started with its standard files closed. The next file that is opened would get
+// such a number, and what is printed would go into the display's connection.
+void
+OpenStandardFiles()
+{
+	int file;
+	do
+		file = open("/dev/null", O_RDWR);
+	while (file >= 0 && file <= STDERR_FILENO);
+	if (file >= 0)
+		close(file);
+}
 
 void
 SetLocale()
@@ -185,7 +199,9 @@ RunDesktop(char* programPath)
 int
 main(int argc, char** argv)
 {
+	OpenStandardFiles();
 	EnterGuiThread();
+	SetProgramArguments(argc, argv);
 	if (argc > 0) {
 		const char* slash = std::strrchr(argv[0], '/');
 		sProgramName = slash != nullptr ? slash + 1 : argv[0];

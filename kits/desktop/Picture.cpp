@@ -13,10 +13,28 @@ PictureData::Scaled(const QRect& source, const QSize& size)
 {
 	std::lock_guard lock(fLock);
 	if (fScaled.size() != size || fScaledSource != source) {
-		fScaled = image.copy(source).scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+		const bool larger = size.width() > source.width();
+		if (larger && fMakeDouble) {
+			const Picture twice = std::exchange(fMakeDouble, nullptr)();
+			if (twice.IsValid() && twice.fData->image.size() == image.size() * 2)
+				fDouble = twice.fData->image;
+		}
+		const bool useDouble = larger && !fDouble.isNull();
+		const QRect part(source.topLeft() * 2, source.size() * 2);
+		const QImage pixels = useDouble ? fDouble.copy(part) : image.copy(source);
+		fScaled = pixels.size() == size
+			? pixels
+			: pixels.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 		fScaledSource = source;
 	}
 	return fScaled;
+}
+
+void
+PictureData::SetDouble(std::function<Picture()> make)
+{
+	std::lock_guard lock(fLock);
+	fMakeDouble = std::move(make);
 }
 
 Picture::Picture() = default;
@@ -51,6 +69,13 @@ int32
 Picture::Height() const
 {
 	return IsValid() ? fData->image.height() : 0;
+}
+
+void
+Picture::SetDouble(std::function<Picture()> make)
+{
+	if (IsValid())
+		fData->SetDouble(std::move(make));
 }
 
 void

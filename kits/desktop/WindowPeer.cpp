@@ -106,6 +106,8 @@ PeerWindow::StoreImage()
 void
 PeerWindow::TakePicture(const CanvasData& canvas, const QRegion& region)
 {
+	if (handle() == nullptr)
+		return; // ShowFirst() brings everything; Wayland's pictures need the surface anyway
 	const QSize size(canvas.width, canvas.height);
 	QRegion part = region & QRect(QPoint(), size);
 	// A picture that is late for another resize must not undo the padding of the newer size.

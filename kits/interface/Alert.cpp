@@ -4,6 +4,7 @@
 
 #include <app/AppDefs.h>
 #include <app/Invoker.h>
+#include <desktop/GuiThread.h>
 #include <interface/AlertPanel.h>
 #include <interface/Button.h>
 #include <interface/Modal.h>
@@ -166,13 +167,12 @@ IsAskedToQuit(const BPrivate::LooperCore& core)
 bool
 BAlert::Open()
 {
-	const BMessenger messenger(this);
-	const BWindow* self = this;
+	// First, since the loop's end undoes it.
+	BPrivate::AlertReady(this, BMessenger(this), CallersLooper() == nullptr);
 	if (Run() < 0) {
 		Quit();
 		return false;
 	}
-	BPrivate::AlertReady(self, messenger, CallersLooper() == nullptr);
 	return true;
 }
 
@@ -202,9 +202,13 @@ BAlert::Wait(const Outcome& outcome)
 	}
 	BWindow* window = dynamic_cast<BWindow*>(caller->Looper());
 	while (acquire_sem_etc(outcome.answered, 1, B_RELATIVE_TIMEOUT, kServeInterval) == B_TIMED_OUT) {
-		if (window != nullptr)
-			window->_ServeWhileBlocked();
-		else if (IsAskedToQuit(*caller))
+		if (window != nullptr) {
+			// The hook may have given the lock to somebody else.
+			if (window->LockWithTimeout(0) == B_OK) {
+				window->_ServeWhileBlocked();
+				window->Unlock();
+			}
+		} else if (IsAskedToQuit(*caller))
 			BPrivate::CloseAllAlerts(); // the answer is none, and Go() returns
 	}
 }
@@ -244,7 +248,10 @@ BAlert::MessageReceived(BMessage* message)
 			Quit();
 			break;
 		case BPrivate::kMsgShowAlert:
-			Show();
+			if (desktop::CallGui([] {}))
+				Show();
+			else
+				Quit(); // without a desktop nobody can answer
 			break;
 		case BPrivate::kMsgCloseAlert:
 			Quit();

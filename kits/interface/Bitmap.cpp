@@ -5,8 +5,26 @@
 #include <interface/Bitmap.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <mutex>
+#include <optional>
+#include <vector>
+
+namespace BPrivate {
+
+struct BitmapPixels {
+	explicit BitmapPixels(size_t length) : bits(length) {}
+	explicit BitmapPixels(const std::vector<uint8>& other) : bits(other) {}
+
+	std::vector<uint8> bits;
+	// Set for good by the first copy. The number of owners would not do: that it is one again
+	// does not mean that what the others have read is done with.
+	std::atomic<bool> shared = false;
+	std::optional<desktop::Picture> picture;
+};
+
+} // namespace BPrivate
 
 static constexpr int32 kMaxSide = 16384;
 // A pixel of B_RGB32 with this value shows what is below; all others are opaque.
@@ -44,27 +62,32 @@ Palette()
 	return sTable.colors;
 }
 
+static int32
+Distance(uint32 a, uint32 b)
+{
+	int32 sum = 0;
+	for (int shift = 0; shift < 24; shift += 8) {
+		int32 d = static_cast<int32>(a >> shift & 0xff) - static_cast<int32>(b >> shift & 0xff);
+		sum += d * d;
+	}
+	return sum;
+}
+
 // The index whose colour is nearest; the transparent one for half and less of opacity.
 static uint8
 NearestIndex(uint32 color)
 {
 	if (color >> 24 < 128)
 		return B_TRANSPARENT_MAGIC_CMAP8;
-	auto part = [](uint32 value, int shift) { return static_cast<int32>(value >> shift & 0xff); };
-	int32 best = INT32_MAX;
-	uint8 found = 0;
-	for (int32 i = 0; i < B_TRANSPARENT_MAGIC_CMAP8 && best > 0; i++) {
-		int32 distance = 0;
-		for (int shift = 0; shift < 24; shift += 8) {
-			int32 d = part(color, shift) - part(Palette()[i], shift);
-			distance += d * d;
-		}
-		if (distance < best) {
-			best = distance;
-			found = static_cast<uint8>(i);
-		}
-	}
-	return found;
+	const uint32 red = color >> 16 & 0xff;
+	const uint32 green = color >> 8 & 0xff;
+	const uint32 blue = color & 0xff;
+	const uint32 grey = std::min((red + green + blue + 12) / 24, 31u);
+	// In the cube the nearest is the nearest in each direction; its last colour is white.
+	uint32 cube = 32 + (red + 25) / 51 * 36 + (green + 25) / 51 * 6 + (blue + 25) / 51;
+	cube = cube == 32 + 215 ? 63 : cube >= 63 ? cube + 1 : cube;
+	const bool greyIsNearer = Distance(color, Palette()[grey]) <= Distance(color, Palette()[cube]);
+	return static_cast<uint8>(greyIsNearer ? grey : cube);
 }
 
 // 0xAARRGGBB, not premultiplied.
@@ -107,32 +130,83 @@ BBitmap::BBitmap(BRect bounds, color_space space, bool, bool) : fBounds(bounds),
 	int32 columns = bounds.IntegerWidth() + 1;
 	int32 rows = bounds.IntegerHeight() + 1;
 	fBytesPerRow = RowLength(columns, space);
-	fBits.resize(static_cast<size_t>(fBytesPerRow) * static_cast<size_t>(rows));
+	fPixels = std::make_shared<BPrivate::BitmapPixels>(
+		static_cast<size_t>(fBytesPerRow) * static_cast<size_t>(rows));
+	std::vector<uint8>& bits = fPixels->bits;
 	if (space == B_CMAP8)
-		std::fill(fBits.begin(), fBits.end(), B_TRANSPARENT_MAGIC_CMAP8);
-	for (size_t at = 0; space == B_RGB32 && at < fBits.size(); at += 4)
-		memcpy(&fBits[at], &kTransparent32, 4);
+		std::fill(bits.begin(), bits.end(), B_TRANSPARENT_MAGIC_CMAP8);
+	for (size_t at = 0; space == B_RGB32 && at < bits.size(); at += 4)
+		memcpy(&bits[at], &kTransparent32, 4);
 }
 
 BBitmap::BBitmap(const BBitmap& other) :
 	fBounds(other.fBounds),
 	fSpace(other.fSpace),
 	fBytesPerRow(other.fBytesPerRow),
-	fBits(other.fBits),
-	fPicture(std::make_unique<desktop::Picture>(other.Picture()))
-{}
+	fPixels(other.fPixels)
+{
+	if (fPixels)
+		fPixels->shared = true;
+}
 
 BBitmap::~BBitmap() = default;
+
+int32
+BBitmap::BitsLength() const
+{
+	return fPixels ? static_cast<int32>(fPixels->bits.size()) : 0;
+}
+
+void*
+BBitmap::Bits()
+{
+	return fPixels ? OwnPixels().bits.data() : nullptr;
+}
+
+const void*
+BBitmap::Bits() const
+{
+	return fPixels ? fPixels->bits.data() : nullptr;
+}
+
+status_t
+BBitmap::SharePixels(const BBitmap& other)
+{
+	if (!IsValid() || !other.IsValid() || fSpace != other.fSpace ||
+		fBounds.IntegerWidth() != other.fBounds.IntegerWidth() ||
+		fBounds.IntegerHeight() != other.fBounds.IntegerHeight())
+		return B_BAD_VALUE;
+	other.fPixels->shared = true;
+	fPixels = other.fPixels;
+	return B_OK;
+}
+
+void
+BBitmap::SetPicture(const desktop::Picture& picture)
+{
+	if (IsValid())
+		OwnPixels().picture = picture;
+}
+
+// The pixels to write to, of which no other bitmap and no picture knows.
+BPrivate::BitmapPixels&
+BBitmap::OwnPixels()
+{
+	if (fPixels->shared)
+		fPixels = std::make_shared<BPrivate::BitmapPixels>(fPixels->bits);
+	fPixels->picture.reset();
+	return *fPixels;
+}
 
 void
 BBitmap::SetBits(const void* data, int32 length, int32 offset, color_space space)
 {
 	if (data == nullptr || offset < 0 || length <= 0 || !IsValid())
 		return;
-	fPicture.reset();
+	std::vector<uint8>& bits = OwnPixels().bits;
 	if (space == fSpace) {
 		if (offset < BitsLength())
-			memcpy(&fBits[static_cast<size_t>(offset)], data,
+			memcpy(&bits[static_cast<size_t>(offset)], data,
 				static_cast<size_t>(std::min(length, BitsLength() - offset)));
 		return;
 	}
@@ -152,7 +226,7 @@ BBitmap::SetBits(const void* data, int32 length, int32 offset, color_space space
 			if (at + perPixel > length)
 				return;
 			uint32 color = PixelOf(source + at, space == B_GRAY1 ? x % 8 : 0, space);
-			SetPixel(&fBits[static_cast<size_t>(y * fBytesPerRow)], x, fSpace, color);
+			SetPixel(&bits[static_cast<size_t>(y * fBytesPerRow)], x, fSpace, color);
 		}
 	}
 }
@@ -160,24 +234,23 @@ BBitmap::SetBits(const void* data, int32 length, int32 offset, color_space space
 const desktop::Picture&
 BBitmap::Picture() const
 {
+	static const desktop::Picture sNone;
+	if (!IsValid())
+		return sNone;
 	// Several threads may draw the same bitmap for the first time at once.
 	static std::mutex sLock;
 	std::lock_guard lock(sLock);
-	if (!fPicture) {
-		if (!IsValid()) {
-			fPicture = std::make_unique<desktop::Picture>();
-			return *fPicture;
-		}
+	if (!fPixels->picture) {
 		const int32 columns = fBounds.IntegerWidth() + 1;
 		const int32 rows = fBounds.IntegerHeight() + 1;
 		std::vector<uint32> pixels;
 		pixels.reserve(static_cast<size_t>(columns) * static_cast<size_t>(rows));
 		for (int32 y = 0; y < rows; y++) {
+			const uint8* row = &fPixels->bits[static_cast<size_t>(y * fBytesPerRow)];
 			for (int32 x = 0; x < columns; x++)
-				pixels.push_back(PixelOf(&fBits[static_cast<size_t>(y * fBytesPerRow)], x, fSpace));
+				pixels.push_back(PixelOf(row, x, fSpace));
 		}
-		fPicture = std::make_unique<desktop::Picture>(
-			columns, rows, pixels.data(), static_cast<size_t>(columns) * 4);
+		fPixels->picture.emplace(columns, rows, pixels.data(), static_cast<size_t>(columns) * 4);
 	}
-	return *fPicture;
+	return *fPixels->picture;
 }

@@ -401,12 +401,15 @@ BListView::TargetedByScrollView(BScrollView* scrollView)
 void
 BListView::Draw(BRect updateRect)
 {
+	// Rows far apart may be damaged and none between them. A frame's edges may round outwards.
+	BRegion reached;
+	GetClippingRegion(&reached);
 	int32 row = std::max(RowAt(updateRect.top), 0);
 	for (; row < CountItems(); row++) {
 		BRect frame = ItemFrame(row);
 		if (frame.top > updateRect.bottom)
 			break;
-		if (frame.bottom >= updateRect.top)
+		if (reached.Intersects(frame.InsetByCopy(-1, -1)))
 			ItemAt(row)->DrawItem(this, frame, false);
 	}
 }

@@ -57,7 +57,6 @@ public:
 
 	// Selection. Bad indices are ignored. What changes nothing tells nobody; every change calls
 	// SelectionChanged() and sends the selection message once.
-	list_view_type ListType() const { return fType; }
 	void Select(int32 index, bool extend = false);
 	void Select(int32 from, int32 to, bool extend = false);
 	void Deselect(int32 index);

@@ -21,11 +21,12 @@ struct Registry {
 	std::deque<Alert> waiting;
 };
 
+// Never destroyed: threads may ask while the process ends.
 Registry&
 TheRegistry()
 {
-	static Registry sRegistry;
-	return sRegistry;
+	static Registry* sRegistry = new Registry;
+	return *sRegistry;
 }
 
 // With the lock held.

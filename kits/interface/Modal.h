@@ -21,7 +21,7 @@ bool InputBlockedBy(const BWindow* window);
 // Every alert, open or waiting, is dismissed with -1. Does not wait for that.
 void CloseAllAlerts();
 
-// Shows an alert whose loop runs already: at once or, when it `queues`, after the queueing ones
+// Shows an alert whose loop runs or will: at once or, when it `queues`, after the queueing ones
 // that came before. Undone by AlertGone(), at the latest before the alert is freed.
 void AlertReady(const BWindow* alert, const BMessenger& messenger, bool queues);
 void AlertGone(const BWindow* alert);

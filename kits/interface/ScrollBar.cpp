@@ -351,6 +351,12 @@ BScrollBar::WheelMoved(BMessage* message)
 	float delta = IsVertical() || dx == 0 ? dy : dx;
 	if (delta == 0)
 		return false;
-	SetValue(fValue + delta * kWheelSteps * fSmallStep);
+	SetValue(fValue + _WheelDistance(delta));
 	return true;
+}
+
+float
+BScrollBar::_WheelDistance(float notches) const
+{
+	return std::round(notches * kWheelSteps * fSmallStep);
 }

@@ -45,6 +45,7 @@ private:
 	friend class BView;
 
 	void _TargetGone() { fTarget = nullptr; }
+	float _WheelDistance(float notches) const; // whole units
 
 	bool IsVertical() const { return fOrientation == B_VERTICAL; }
 	float Along(BPoint where) const;

@@ -19,7 +19,6 @@ public:
 	border_style Border() const { return fBorder; }
 	// The fancy border in the colour of the keyboard's focus. The target asks for it.
 	void SetBorderHighlighted(bool highlighted);
-	bool IsBorderHighlighted() const { return fHighlighted; }
 
 	// BView
 	void Draw(BRect updateRect) override;

@@ -120,15 +120,6 @@ BView::NextSibling() const
 	return next == siblings.end() ? nullptr : *next;
 }
 
-BView*
-BView::PreviousSibling() const
-{
-	if (fParent == nullptr || fParent->fChildren.front() == this)
-		return nullptr;
-	const std::vector<BView*>& siblings = fParent->fChildren;
-	return *(std::find(siblings.begin(), siblings.end(), this) - 1);
-}
-
 // The window's own top view is nobody's business.
 BView*
 BView::Parent() const
@@ -218,23 +209,9 @@ BView::_Detach()
 	if (fParent != nullptr)
 		SetNextHandler(fParent);
 	fWindow = nullptr;
-	fEventMask = 0;
 	fFrameMovedPending = false;
 	fFrameResizedPending = false;
 	fRegionsOf = 0;
-}
-
-void
-BView::SetFlags(uint32 flags)
-{
-	if (fWindow != nullptr) {
-		if ((fFlags & B_PULSE_NEEDED) != 0)
-			fWindow->fPulseViews--;
-		if ((flags & B_PULSE_NEEDED) != 0)
-			fWindow->fPulseViews++;
-		fWindow->_WakeLoop();
-	}
-	fFlags = flags;
 }
 
 void
@@ -275,20 +252,11 @@ BView::_CollectNavigable(std::vector<BView*>& views)
 }
 
 void
-BView::_CallPulse()
+BView::_CollectTokens(std::vector<int64>& tokens) const
 {
-	if ((fFlags & B_PULSE_NEEDED) != 0)
-		Pulse();
-	for (size_t i = 0; i < fChildren.size(); i++)
-		fChildren[i]->_CallPulse();
-}
-
-void
-BView::_CallWindowActivated(bool active)
-{
-	WindowActivated(active);
-	for (size_t i = 0; i < fChildren.size(); i++)
-		fChildren[i]->_CallWindowActivated(active);
+	tokens.push_back(_Token());
+	for (const BView* child : fChildren)
+		child->_CollectTokens(tokens);
 }
 
 status_t
@@ -296,7 +264,6 @@ BView::SetMouseEventMask(uint32 mask, uint32)
 {
 	if (fWindow == nullptr)
 		return B_ERROR;
-	fEventMask = mask;
 	if ((mask & B_POINTER_EVENTS) != 0)
 		fWindow->fCaptureView = this;
 	else if (fWindow->fCaptureView == this)

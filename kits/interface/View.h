@@ -63,7 +63,6 @@ public:
 	int32 CountChildren() const { return static_cast<int32>(fChildren.size()); }
 	BView* ChildAt(int32 index) const;
 	BView* NextSibling() const;
-	BView* PreviousSibling() const;
 	BView* Parent() const; // null for a view directly in a window
 	BView* FindView(const char* name) const;  // this view or one below
 	BWindow* Window() const { return fWindow; }
@@ -86,9 +85,6 @@ public:
 	virtual void FrameMoved(BPoint newLeftTop);          // with B_FRAME_EVENTS, as a message of its own
 	virtual void FrameResized(float width, float height); // likewise
 	uint32 Flags() const { return fFlags; }
-	void SetFlags(uint32 flags);
-	uint32 ResizingMode() const { return fResizingMode; }
-	void SetResizingMode(uint32 mode) { fResizingMode = mode; }
 	bool IsHidden() const;
 	void Hide(); // counts
 	void Show();
@@ -162,7 +158,6 @@ public:
 
 	void SetFont(const BFont* font, uint32 mask = B_FONT_ALL);
 	void GetFont(BFont* font) const { *font = fState.font; }
-	void SetFontSize(float size) { fState.font.SetSize(size); }
 	void GetFontHeight(font_height* height) const { fState.font.GetHeight(height); }
 	float StringWidth(const char* text) const { return fState.font.StringWidth(text); }
 	float StringWidth(const char* text, int32 length) const { return fState.font.StringWidth(text, length); }
@@ -240,8 +235,7 @@ private:
 	bool _WheelMoved(BMessage* message);
 	void _CollectNavigable(std::vector<BView*>& views);
 	void _FrameEvent(uint32 what);
-	void _CallPulse();
-	void _CallWindowActivated(bool active);
+	void _CollectTokens(std::vector<int64>& tokens) const; // of this view and all below
 
 	BRect fFrame;
 	// Left top of Bounds(). Double, since float loses whole pixels far down a long list.
@@ -262,7 +256,6 @@ private:
 	int32 fMaxLines = 0;
 	BScrollBar* fHorizontalBar = nullptr; // borrowed
 	BScrollBar* fVerticalBar = nullptr;   // borrowed
-	uint32 fEventMask = 0;
 	bool fFrameMovedPending = false;
 	bool fFrameResizedPending = false;
 	mutable uint64 fRegionsOf = 0; // the layout that the two regions belong to

@@ -17,9 +17,6 @@ using desktop::PixelRegion;
 
 namespace {
 
-// Small steps of a scroll bar for one notch of the wheel.
-constexpr float kWheelSteps = 3;
-
 float
 Limited(float value, BScrollBar* bar)
 {
@@ -162,15 +159,8 @@ BView::_WheelMoved(BMessage* message)
 	message->FindFloat("be:wheel_delta_y", &dy);
 	if (fHorizontalBar == nullptr && fVerticalBar == nullptr)
 		return false;
-	auto distance = [](BScrollBar* bar, float notches) {
-		if (bar == nullptr || notches == 0)
-			return 0.0f;
-		float small = 0, large = 0;
-		bar->GetSteps(&small, &large);
-		return std::round(notches * kWheelSteps * small);
-	};
-	float x = distance(fHorizontalBar, dx);
-	float y = distance(fVerticalBar, dy);
+	float x = fHorizontalBar != nullptr ? fHorizontalBar->_WheelDistance(dx) : 0;
+	float y = fVerticalBar != nullptr ? fVerticalBar->_WheelDistance(dy) : 0;
 	if (x != 0 || y != 0)
 		ScrollBy(x, y);
 	return true;

@@ -5,6 +5,7 @@
 #include <interface/Window.h>
 
 #include <app/AppDefs.h>
+#include <interface/Button.h>
 #include <interface/Modal.h>
 
 #include "kits/interface/WindowEvents.h"
@@ -119,6 +120,7 @@ BWindow::_Realize()
 		options.resizable = (fFlags & B_NOT_RESIZABLE) == 0;
 		options.closable = (fFlags & B_NOT_CLOSABLE) == 0;
 		fSurface->Open(*fEvents, FramePixels(fFrame), fTitle, options);
+		_ApplySizeLimits();
 	}
 	if (fSurface->Native()->IsShown())
 		return;
@@ -187,6 +189,8 @@ BWindow::_ViewDetached(BView* view)
 		fMouseView = nullptr;
 	if (fCaptureView == view)
 		fCaptureView = nullptr;
+	if (fDefaultButton == view) // a button that is deleted gets no hook of its own any more
+		fDefaultButton = nullptr;
 	fSurface->ForgetClip();
 }
 
@@ -241,9 +245,17 @@ BWindow::ResizeTo(float width, float height)
 void
 BWindow::SetSizeLimits(float minWidth, float maxWidth, float minHeight, float maxHeight)
 {
-	if (fSurface->IsOpen()) {
-		fSurface->Native()->SetSizeLimits(RoundToPixel(minWidth) + 1, RoundToPixel(maxWidth) + 1,
-			RoundToPixel(minHeight) + 1, RoundToPixel(maxHeight) + 1);
+	fSizeLimits = SizeLimits{RoundToPixel(minWidth) + 1, RoundToPixel(maxWidth) + 1,
+		RoundToPixel(minHeight) + 1, RoundToPixel(maxHeight) + 1};
+	_ApplySizeLimits();
+}
+
+void
+BWindow::_ApplySizeLimits()
+{
+	if (fSizeLimits && fSurface->IsOpen()) {
+		fSurface->Native()->SetSizeLimits(fSizeLimits->minWidth, fSizeLimits->maxWidth,
+			fSizeLimits->minHeight, fSizeLimits->maxHeight);
 	}
 }
 
@@ -258,9 +270,8 @@ BWindow::_SetSize(int32 columns, int32 rows, double scale)
 		return;
 	fFrame.right = fFrame.left + width;
 	fFrame.bottom = fFrame.top + height;
-	if (scale != 0) {
+	if (scale != 0)
 		fSurface->SetSize(columns, rows, scale);
-	}
 	fTop->_SetFrame(Bounds());
 	if (resized)
 		FrameResized(width, height);
@@ -296,7 +307,7 @@ void
 BWindow::AddShortcut(uint32 key, uint32 modifiers, BMessage* message, BHandler* target)
 {
 	fShortcuts.push_back({key, modifiers, std::unique_ptr<BMessage>(message), BMessenger(target),
-		target != nullptr});
+		target != nullptr ? target->_Token() : 0});
 }
 
 void
@@ -314,6 +325,8 @@ BWindow::Sync()
 void
 BWindow::UpdateIfNeeded()
 {
+	if (!fMayShow) // views are gone, and the lock may be had until the thread has ended
+		return;
 	if (fSurface->BeginUpdate()) {
 		fTop->_Paint();
 		fSurface->EndUpdate();

@@ -11,7 +11,9 @@
 #include <app/Messenger.h>
 #include <interface/View.h>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 enum window_type { B_TITLED_WINDOW = 1, B_MODAL_WINDOW = 3 };
 enum : uint32 { B_CURRENT_WORKSPACE = 0 };
@@ -91,10 +93,15 @@ private:
 		uint32 modifiers;
 		std::unique_ptr<BMessage> message;
 		BMessenger target;
-		bool hasTarget;
+		int64 token; // of the target, alive or not; 0: the window
+	};
+
+	struct SizeLimits { // in pixels covered
+		int32 minWidth, maxWidth, minHeight, maxHeight;
 	};
 
 	void _Realize();       // makes the desktop's window and shows it
+	void _ApplySizeLimits();
 	void _SetSize(int32 columns, int32 rows, double scale);
 	bool _OwnMessage(BMessage* message);
 	void _ServeWhileBlocked(); // repaints and follows resizes while a hook waits for an alert
@@ -114,11 +121,13 @@ private:
 	BHandler* _TakeShortcut(BMessage* message, BHandler* target);
 	void _NavigateFocus(bool backward);
 	void _ActivationChanged(bool active);
+	void _CallViews(const std::function<void(BView&)>& hook);
 
 	BRect fFrame;
 	std::string fTitle;
 	window_type fType;
 	uint32 fFlags;
+	std::optional<SizeLimits> fSizeLimits; // none was set
 	int32 fShowLevel = 0;
 	bool fActive = false;
 	bool fMayShow = true; // false once the window quits

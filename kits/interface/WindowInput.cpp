@@ -110,8 +110,9 @@ BWindow::_NewerIsQueued(const BMessage& message) const
 BHandler*
 BWindow::_RetargetMouse(BMessage* message)
 {
+	// Who was pressed before the alert came must not stay pressed.
 	if (BPrivate::InputBlockedBy(this))
-		return nullptr;
+		return message->what == B_MOUSE_UP ? fCaptureView : nullptr;
 	BPoint where = WhereOf(*message);
 	BView* view = message->HasBool("left") ? nullptr : FindView(where);
 	if (message->what == B_MOUSE_MOVED && view == fMouseView) {
@@ -167,7 +168,10 @@ BWindow::DispatchMessage(BMessage* message, BHandler* target)
 		}
 		case B_PULSE:
 			if (target == this)
-				fTop->_CallPulse();
+				_CallViews([](BView& each) {
+					if ((each.Flags() & B_PULSE_NEEDED) != 0)
+						each.Pulse();
+				});
 			break;
 		case B_WINDOW_ACTIVATED: {
 			bool active = fActive;
@@ -280,10 +284,13 @@ BWindow::_TakeShortcut(BMessage* message, BHandler* target)
 	for (const Shortcut& shortcut : fShortcuts) {
 		if (shortcut.key != key || (shortcut.modifiers & kOthers) != (held & kOthers))
 			continue;
-		BHandler* its = shortcut.hasTarget ? shortcut.target.Target(nullptr) : this;
 		*message = *shortcut.message;
-		if (its != nullptr && its->Looper() == this)
-			return its;
+		if (shortcut.token == 0)
+			return this;
+		// Looked up here: a target in another looper could only be had with that one's lock.
+		auto found = _Core().handlers.find(shortcut.token);
+		if (found != _Core().handlers.end())
+			return found->second;
 		shortcut.target.SendMessage(message);
 		return nullptr;
 	}
@@ -325,5 +332,20 @@ BWindow::_ActivationChanged(bool active)
 		return;
 	fActive = active;
 	WindowActivated(active);
-	fTop->_CallWindowActivated(active);
+	_CallViews([active](BView& view) { view.WindowActivated(active); });
+}
+
+// Calls a hook of every view, parents first. It may remove and delete any of them.
+void
+BWindow::_CallViews(const std::function<void(BView&)>& hook)
+{
+	std::vector<int64> tokens;
+	fTop->_CollectTokens(tokens);
+	for (int64 token : tokens) {
+		auto found = _Core().handlers.find(token);
+		if (found == _Core().handlers.end())
+			continue;
+		if (BView* view = dynamic_cast<BView*>(found->second))
+			hook(*view);
+	}
 }

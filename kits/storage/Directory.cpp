@@ -5,7 +5,9 @@
 #include <storage/DirectorySnapshot.h>
 #include <storage/DirectoryTable.h>
 #include <storage/Entry.h>
+#include <storage/File.h>
 #include <storage/FolderPath.h>
+#include <storage/SymLink.h>
 
 #include <cstddef>
 #include <cstring>
@@ -341,6 +343,65 @@ BDirectory::FindEntry(const char* path, BEntry* entry, bool traverse) const
 	if (result == B_OK)
 		result = entry->GetStat(&status);
 	return result == B_OK ? B_OK : entry->Fail(result);
+}
+
+// Where something new is to be.
+status_t
+BDirectory::Locate(const char* path, BEntry* entry) const
+{
+	if (path == nullptr)
+		return B_BAD_VALUE;
+	if (fFolder == nullptr && path[0] != '/')
+		return B_NO_INIT;
+	return entry->SetTo(this, path);
+}
+
+status_t
+BDirectory::CreateFile(const char* path, BFile* file, bool failIfExists)
+{
+	BFile unwanted;
+	BEntry place;
+	if (file == nullptr)
+		file = &unwanted;
+	status_t status = Locate(path, &place);
+	if (status != B_OK) {
+		file->Unset();
+		return status;
+	}
+	return file->SetTo(
+		&place, B_READ_WRITE | B_CREATE_FILE | (failIfExists ? B_FAIL_IF_EXISTS : B_ERASE_FILE));
+}
+
+status_t
+BDirectory::CreateSymLink(const char* path, const char* target, BSymLink* link)
+{
+	if (link != nullptr)
+		link->Unset();
+	if (target == nullptr)
+		return B_BAD_VALUE;
+	BEntry place;
+	if (status_t status = Locate(path, &place); status != B_OK)
+		return status;
+	int result =
+		Retry([&] { return symlinkat(target, place.fFolder->Descriptor(), place.fRef.name); });
+	if (result != 0)
+		return StatusFromErrno(errno);
+	return link != nullptr ? link->SetTo(&place) : B_OK;
+}
+
+status_t
+BDirectory::CreateDirectory(const char* path, BDirectory* folder)
+{
+	BEntry place;
+	status_t status = Locate(path, &place); // before the result changes: it may be this object
+	if (status == B_OK) {
+		int folderOfPlace = place.fFolder->Descriptor();
+		if (Retry([&] { return mkdirat(folderOfPlace, place.fRef.name, 0777); }) != 0)
+			status = StatusFromErrno(errno);
+	}
+	if (folder == nullptr)
+		return status;
+	return status == B_OK ? folder->SetTo(&place) : folder->Fail(status);
 }
 
 status_t

@@ -18,6 +18,8 @@
 #include <memory>
 
 class BEntry;
+class BFile;
+class BSymLink;
 
 namespace BPrivate {
 class DirectorySnapshot;
@@ -60,6 +62,13 @@ public:
 	// The entry of an existing file below the folder; an absolute path does not need the folder.
 	status_t FindEntry(const char* path, BEntry* entry, bool traverse = false) const;
 
+	// New entries below the folder; an absolute path does not need it. The result, unset after an
+	// error, may be NULL. B_FILE_EXISTS for a taken name, but CreateFile() empties a file that is
+	// there already unless told to fail. It opens for reading and writing.
+	status_t CreateFile(const char* path, BFile* file, bool failIfExists = false);
+	status_t CreateSymLink(const char* path, const char* target, BSymLink* link);
+	status_t CreateDirectory(const char* path, BDirectory* folder);
+
 protected:
 	// BStatable
 	status_t GetLocation(Location* location) const override;
@@ -68,6 +77,7 @@ private:
 	friend class BEntry;
 	friend class BPath;
 
+	status_t Locate(const char* path, BEntry* entry) const;
 	status_t Open(int base, const char* path);
 	status_t SetTo(BPrivate::FolderHandle folder);
 	status_t Fail(status_t status);

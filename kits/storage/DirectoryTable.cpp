@@ -4,10 +4,14 @@
 
 #include <storage/FolderPath.h>
 
+#include <kernel/MountTable.h>
+
 #include <algorithm>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/sysmacros.h>
+#include <vector>
 
 namespace BPrivate {
 
@@ -44,6 +48,12 @@ NodeOf(const struct statx& status)
 	return node;
 }
 
+uint64
+MountOf(const struct statx& status)
+{
+	return (status.stx_mask & STATX_MNT_ID) != 0 ? status.stx_mnt_id : 0;
+}
+
 } // namespace
 
 DirectoryTable&
@@ -57,8 +67,14 @@ DirectoryTable::Instance()
 DirectoryTable::DirectoryTable() : fMaxOpen(OpenLimit())
 {
 	FolderHandle root;
-	if (Add(FileDescriptor(open("/", O_PATH | O_DIRECTORY | O_CLOEXEC)), &root) == B_OK)
+	if (Add(FileDescriptor(open("/", O_PATH | O_DIRECTORY | O_CLOEXEC)), &root) == B_OK) {
 		fRoot = root->Node();
+		fRootMount = root->Mount();
+	}
+	struct statx home;
+	const char* path = getenv("HOME");
+	if (path != nullptr && statx(AT_FDCWD, path, 0, STATX_MNT_ID, &home) == 0)
+		fHomeMount = MountOf(home);
 }
 
 size_t
@@ -75,21 +91,23 @@ DirectoryTable::Find(dev_t device, ino_t node, FolderHandle* handle)
 	wanted.node = node;
 
 	Record closed;
+	FolderHandle open;
 	{
 		std::lock_guard<std::mutex> lock(fLock);
 		auto found = fIndex.find(wanted);
 		if (found == fIndex.end())
 			return B_ENTRY_NOT_FOUND;
 		RecordList::iterator record = found->second;
-		if (record->handle != nullptr) {
-			if (record != fOpen.begin())
-				fOpen.splice(fOpen.begin(), fOpen, record);
-			*handle = record->handle;
-			return B_OK;
-		}
-		closed = *record;
+		if (record->handle != nullptr && record != fOpen.begin())
+			fOpen.splice(fOpen.begin(), fOpen, record);
+		open = record->Handle();
+		if (open == nullptr)
+			closed = *record;
 	}
-	return Reopen(closed, handle);
+	if (open == nullptr)
+		return Reopen(closed, handle);
+	*handle = std::move(open);
+	return B_OK;
 }
 
 status_t
@@ -107,31 +125,45 @@ status_t
 DirectoryTable::AddKnown(
 	FileDescriptor descriptor, const struct statx& status, FolderHandle* handle)
 {
-	uint64 mount = (status.stx_mask & STATX_MNT_ID) != 0 ? status.stx_mnt_id : 0;
-	auto opened = std::make_shared<const OpenFolder>(std::move(descriptor), NodeOf(status), mount);
+	uint64 mount = MountOf(status);
+	bool isGuest = IsForGuests(mount);
+	std::string path;
+	if (isGuest) {
+		if (status_t error = GetFolderPath(descriptor.Get(), &path); error != B_OK)
+			return error;
+	}
+	auto folder = std::make_unique<OpenFolder>(std::move(descriptor), NodeOf(status), mount);
+	FolderHandle opened = isGuest
+		? FolderHandle(folder.release(), [this](OpenFolder* guest) { LetGo(guest); })
+		: FolderHandle(std::move(folder));
+	FolderHandle known; // released after the lock, as is what `handle` held
 	bool full;
 	{
 		std::lock_guard<std::mutex> lock(fLock);
 		auto [place, isNew] = fIndex.try_emplace(opened->Node());
 		if (isNew) {
-			fOpen.emplace_front();
-			fOpen.front().node = opened->Node();
-			place->second = fOpen.begin();
-		} else {
-			RecordList& from = place->second->handle != nullptr ? fOpen : fClosed;
-			fOpen.splice(fOpen.begin(), from, place->second);
+			fClosed.emplace_front();
+			fClosed.front().node = opened->Node();
+			place->second = fClosed.begin();
 		}
-		Record& record = fOpen.front();
+		RecordList::iterator record = place->second;
+		RecordList& from = record->handle != nullptr ? fOpen : fClosed;
+		known = record->Handle();
 		// Reached through another mount it has another path: the one used last counts.
-		if (record.handle == nullptr || record.handle->Mount() != mount) {
-			record.path = {};
-			record.birth =
+		if (known == nullptr || known->Mount() != mount) {
+			record->path = std::move(path);
+			record->birth =
 				(status.stx_mask & STATX_BTIME) != 0 ? status.stx_btime : statx_timestamp{};
-			record.handle.swap(opened);
+			record->handle = isGuest ? nullptr : opened;
+			record->guest = isGuest ? opened : nullptr;
+			known = opened;
 		}
-		*handle = record.handle;
+		RecordList& to = record->handle != nullptr ? fOpen : fClosed;
+		to.splice(to.begin(), from, record);
+		ForgetOldest();
 		full = fOpen.size() > fMaxOpen;
 	}
+	*handle = std::move(known);
 	if (full)
 		Trim();
 	return B_OK;
@@ -189,10 +221,62 @@ DirectoryTable::Close(const FolderHandle& victim)
 	record->path = std::move(path);
 	record->handle = nullptr;
 	fClosed.splice(fClosed.begin(), fOpen, record);
-	if (fClosed.size() > kMostClosed) {
-		fIndex.erase(fClosed.back().node);
-		fClosed.pop_back();
+	ForgetOldest();
+}
+
+// With the lock: keeps the number of closed folders in its limit.
+void
+DirectoryTable::ForgetOldest()
+{
+	if (fClosed.size() <= kMostClosed)
+		return;
+	RecordList::iterator oldest = std::prev(fClosed.end());
+	if (oldest->guest.expired()) {
+		fIndex.erase(oldest->node);
+		fClosed.erase(oldest);
+	} else {
+		fClosed.splice(fClosed.begin(), fClosed, oldest);
 	}
+}
+
+bool
+DirectoryTable::IsForGuests(uint64 id) const
+{
+	if (id == 0 || id == fRootMount || id == fHomeMount)
+		return false;
+	std::shared_ptr<const Mounts> mounts = MountTable::Instance().Current();
+	auto mount = std::find_if(mounts->begin(), mounts->end(),
+		[id](const Mount& candidate) { return candidate.id == id; });
+	return mount != mounts->end() && mount->isForGuests;
+}
+
+// The last handle of a folder is gone.
+void
+DirectoryTable::LetGo(OpenFolder* guest)
+{
+	std::unique_ptr<OpenFolder> folder(guest);
+	std::string path;
+	if (GetFolderPath(folder->Descriptor(), &path) != B_OK)
+		return;
+	std::lock_guard<std::mutex> lock(fLock);
+	auto found = fIndex.find(folder->Node());
+	if (found != fIndex.end() && found->second->handle == nullptr && found->second->guest.expired())
+		found->second->path = std::move(path);
+}
+
+void
+DirectoryTable::CloseUnused(dev_t device)
+{
+	std::vector<FolderHandle> victims;
+	{
+		std::lock_guard<std::mutex> lock(fLock);
+		for (const Record& record : fOpen) {
+			if (SameDevice(record.node.device, device) && record.handle.use_count() == 1)
+				victims.push_back(record.handle);
+		}
+	}
+	for (const FolderHandle& victim : victims)
+		Close(victim);
 }
 
 void

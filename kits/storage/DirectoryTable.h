@@ -6,6 +6,13 @@
 // Folders used lately are kept open, a quarter of the descriptors that the process may have and
 // at most 1024; a handle that somebody holds is never closed. Of older ones only the path stays;
 // they are opened again on use, and are B_ENTRY_NOT_FOUND when another folder is there now.
+//
+// An open descriptor keeps a volume from being unmounted. On volumes that come and go (in the
+// places for removable media, over a network) the table therefore keeps none of its own: a folder
+// there is open as long as somebody holds its handle and is opened again by its last path after
+// that, which costs some system calls a time. The volumes of "/" and of the user's home are never
+// among those. For any other, CloseUnused() lets go before an attempt to unmount it.
+//
 // Any thread may call. Cost of finding an open folder: one lock and one hash look-up.
 
 #pragma once
@@ -31,15 +38,21 @@ public:
 	// Takes over a descriptor of a folder and makes it known. B_NOT_A_DIRECTORY.
 	status_t Add(FileDescriptor descriptor, FolderHandle* handle);
 
+	// Closes what nobody uses on a device.
+	void CloseUnused(dev_t device);
+
 	// True for the numbers of "/", which is its own parent.
 	bool IsRoot(const node_ref& node) const { return node == fRoot; }
 
 private:
 	struct Record {
 		node_ref node;
-		FolderHandle handle; // null while the folder is closed
-		std::string path;    // where it was when it was closed
+		FolderHandle handle; // null while the folder is closed or `guest` holds it
+		std::weak_ptr<const OpenFolder> guest; // on a volume that comes and goes
+		std::string path;                      // where it was when it was closed or last seen
 		statx_timestamp birth = {};
+
+		FolderHandle Handle() const { return handle != nullptr ? handle : guest.lock(); }
 	};
 	struct Hash {
 		size_t operator()(const node_ref& node) const;
@@ -49,8 +62,11 @@ private:
 	DirectoryTable();
 	status_t AddKnown(FileDescriptor descriptor, const struct statx& status, FolderHandle* handle);
 	status_t Reopen(const Record& closed, FolderHandle* handle);
+	bool IsForGuests(uint64 mount) const;
+	void LetGo(OpenFolder* guest);
 	FolderHandle NextVictim();
 	void Close(const FolderHandle& victim);
+	void ForgetOldest();
 	void Trim();
 
 	std::mutex fLock; // guards the lists and the index
@@ -59,6 +75,8 @@ private:
 	std::unordered_map<node_ref, RecordList::iterator, Hash> fIndex;
 	size_t fMaxOpen;
 	node_ref fRoot;
+	uint64 fRootMount = 0;
+	uint64 fHomeMount = 0;
 };
 
 } // namespace BPrivate

@@ -5,6 +5,7 @@
 #include <storage/Directory.h>
 #include <storage/DirectoryTable.h>
 #include <storage/FolderPath.h>
+#include <storage/MoveEntry.h>
 #include <storage/Path.h>
 
 #include <climits>
@@ -198,6 +199,52 @@ BEntry::GetParent(BDirectory* folder) const
 	if (!IsLeafName(fRef.name))
 		return folder->Fail(B_ENTRY_NOT_FOUND);
 	return folder->SetTo(FolderHandle(fFolder));
+}
+
+status_t
+BEntry::Rename(const char* path, bool clobber)
+{
+	if (path == nullptr)
+		return B_BAD_VALUE;
+	return fFolder == nullptr ? B_NO_INIT : MoveTo(fFolder, path, clobber);
+}
+
+status_t
+BEntry::MoveTo(BDirectory* folder, const char* path, bool clobber)
+{
+	if (folder == nullptr)
+		return B_BAD_VALUE;
+	if (fFolder == nullptr)
+		return B_NO_INIT;
+	if (folder->InitCheck() != B_OK)
+		return folder->InitCheck();
+	return MoveTo(folder->fFolder, path != nullptr ? path : fRef.name, clobber);
+}
+
+status_t
+BEntry::MoveTo(const FolderHandle& base, const char* path, bool clobber)
+{
+	// Nothing may fail any more once the entry is moved: its new place is made up before.
+	BEntry target;
+	if (IsLeafName(path) && strlen(path) < B_FILE_NAME_LENGTH)
+		target.SetTo(base, path, false);
+	else
+		target.Locate(base->Descriptor(), path, false);
+	if (target.InitCheck() != B_OK)
+		return target.InitCheck();
+	status_t status = MoveEntry({fFolder->Descriptor(), fRef.name},
+		{target.fFolder->Descriptor(), target.fRef.name}, clobber);
+	if (status == B_OK)
+		*this = std::move(target);
+	return status;
+}
+
+status_t
+BEntry::Remove()
+{
+	if (fFolder == nullptr)
+		return B_NO_INIT;
+	return RemoveEntry({fFolder->Descriptor(), fRef.name});
 }
 
 status_t

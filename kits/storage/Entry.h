@@ -39,6 +39,18 @@ public:
 	status_t GetParent(BEntry* entry) const; // B_ENTRY_NOT_FOUND at "/", as the other
 	status_t GetParent(BDirectory* folder) const;
 
+	// Both move the entry within its volume, in one step; the object then is at the new place, and
+	// stays where it is after an error. A relative path begins at the entry's folder or at the
+	// one given, in which the entry keeps its name without a path.
+	// B_FILE_EXISTS for a taken name, also its own, unless clobbering. That replaces a file, or an
+	// empty folder by a folder: B_DIRECTORY_NOT_EMPTY, B_IS_A_DIRECTORY, B_NOT_A_DIRECTORY.
+	// B_CROSS_DEVICE_LINK for another volume, B_BAD_VALUE for a folder's way into itself,
+	// B_ENTRY_NOT_FOUND for a missing entry or folder.
+	status_t Rename(const char* path, bool clobber = false);
+	status_t MoveTo(BDirectory* folder, const char* path = nullptr, bool clobber = false);
+	// A link itself, not what it points to; a folder when it is empty, B_DIRECTORY_NOT_EMPTY.
+	status_t Remove();
+
 	bool operator==(const BEntry& other) const { return fRef == other.fRef; }
 	bool operator!=(const BEntry& other) const { return fRef != other.fRef; }
 
@@ -48,11 +60,14 @@ protected:
 
 private:
 	friend class BDirectory;
+	friend class BFile;
+	friend class BNode;
 	friend class BPath;
 
 	status_t Locate(int base, const char* path, bool traverse);
 	status_t SetTo(BPrivate::FolderHandle folder, const char* name, bool traverse);
 	status_t Follow();
+	status_t MoveTo(const BPrivate::FolderHandle& base, const char* path, bool clobber);
 	status_t Fail(status_t status);
 
 	BPrivate::FolderHandle fFolder; // null unless initialised

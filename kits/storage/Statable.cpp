@@ -3,6 +3,7 @@
 #include <storage/Statable.h>
 
 #include <storage/DirectoryTable.h>
+#include <storage/Volume.h>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -156,4 +157,17 @@ BStatable::GetCreationTime(time_t* time) const
 {
 	struct stat status;
 	return GetStat(&status, time);
+}
+
+status_t
+BStatable::GetVolume(BVolume* volume) const
+{
+	struct stat status;
+	if (volume == nullptr)
+		return B_BAD_VALUE;
+	if (status_t error = GetStat(&status); error != B_OK) {
+		volume->Unset();
+		return error;
+	}
+	return volume->SetTo(status.st_dev);
 }

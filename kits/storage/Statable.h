@@ -10,6 +10,8 @@
 #include <ctime>
 #include <sys/stat.h>
 
+class BVolume;
+
 class BStatable {
 public:
 	virtual ~BStatable() = default;
@@ -28,6 +30,7 @@ public:
 	status_t GetSize(off_t* size) const;
 	// Where the file system keeps none: the earlier of modification and change time.
 	status_t GetCreationTime(time_t* time) const;
+	status_t GetVolume(BVolume* volume) const; // unset after an error
 
 protected:
 	struct Location {

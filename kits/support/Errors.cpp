@@ -29,6 +29,7 @@ constexpr Twin kTwins[] = {
 	{B_NOT_AN_EXECUTABLE, ENOEXEC},
 	{B_FILE_ERROR, EBADF},
 	{B_ENTRY_NOT_FOUND, ENOENT},
+	{B_ENTRY_NOT_FOUND, ENODATA}, // no such attribute
 	{B_FILE_EXISTS, EEXIST},
 	{B_NAME_TOO_LONG, ENAMETOOLONG},
 	{B_NOT_A_DIRECTORY, ENOTDIR},
@@ -41,6 +42,8 @@ constexpr Twin kTwins[] = {
 	{B_NO_MORE_FDS, ENFILE},
 	{B_DEVICE_FULL, ENOSPC},
 	{B_DEVICE_FULL, EDQUOT},
+	{B_DEVICE_FULL, E2BIG}, // an attribute that the file system has no room for, as the next
+	{B_DEVICE_FULL, ERANGE},
 	{B_BUSTED_PIPE, EPIPE},
 	{B_UNSUPPORTED, ENOTSUP},
 	{B_UNSUPPORTED, ENOSYS},

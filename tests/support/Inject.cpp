@@ -321,6 +321,27 @@ InjectedUser::Picture::Save(const std::string& pngPath) const
 	return image.save(QString::fromStdString(pngPath), "PNG");
 }
 
+void
+InjectedUser::ClickAnyWindow(uint32 which, float x, float y)
+{
+	CallGui([&] {
+		QWindowList windows = QGuiApplication::topLevelWindows();
+		windows.removeIf([](QWindow* window) { return !window->isExposed(); });
+		if (windows.isEmpty())
+			return;
+		QWindow* window = windows[which % size_t(windows.size())];
+		const QPointF where(x, y);
+		const QPointF screen = window->mapToGlobal(where);
+		for (QEvent::Type type :
+			{QEvent::MouseMove, QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+			const bool down = type == QEvent::MouseButtonPress;
+			QWindowSystemInterface::handleMouseEvent<Deliver>(window, where, screen,
+				down ? Qt::LeftButton : Qt::NoButton,
+				type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, type);
+		}
+	});
+}
+
 InjectedUser::Picture
 InjectedUser::Snapshot() const
 {

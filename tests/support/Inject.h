@@ -58,6 +58,10 @@ public:
 	};
 	Picture Snapshot() const;
 
+	// A click into one of the windows that are shown at this moment, if there is one; `which` picks
+	// it. They may go meanwhile.
+	static void ClickAnyWindow(uint32 which, float x, float y);
+
 private:
 	void Mouse(int type, float x, float y, bool onScreen, uint32 button, uint32 modifiers);
 

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 
 // Holds a lock for a scope.
@@ -80,7 +81,7 @@ public:
 private:
 	static std::string NextTitle()
 	{
-		static int count = 0;
+		static std::atomic<int> count = 0;
 		return "test window " + std::to_string(++count);
 	}
 };

@@ -10,8 +10,7 @@ int
 main(int argc, char** argv)
 {
 	KorvaApp app(argc >= 2 ? argv[1] : nullptr);
-	for (int32 i = 0; i < app.CountWindows(); i++)
-		app.WindowAt(i)->PostMessage(B_ABOUT_REQUESTED);
+	app.PostMessage(B_ABOUT_REQUESTED);
 	app.Run();
 	return 0;
 }

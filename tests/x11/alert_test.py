@@ -49,7 +49,6 @@ class Alert(X11Test):
         # Right of the alert and below it, which keeps its place in the middle.
         self.korva.wait_for_picture(
             lambda now: now.at(790 - 20, 690) == WHITE, "rows in the new corner")
-        self.display.do("xdotool", "windowraise", self.korva.window())
         before = self.korva.steady_picture()
         self.korva.click(30, 35)
         self.korva.click(200, 35)
@@ -61,11 +60,16 @@ class Alert(X11Test):
         self.assertEqual(after.part(*items), before.part(*items))
         self.assertIsNotNone(self.korva.find_window("About"))
 
+    def test_stays_above_the_window_that_it_blocks(self):
+        before = self.korva.steady_picture("About")
+        self.display.do("xdotool", "windowraise", self.korva.window())
+        self.korva.click(30, 300)  # which raises a window too
+        self.assertEqual(self.korva.steady_picture("About").part(40, 10, 250, 110),
+                         before.part(40, 10, 250, 110))
+
     def test_window_behind_repaints_what_the_alert_uncovers(self):
         self.display.do("xdotool", "windowmove", self.alert, "700", "600")
         wait_until(lambda: self.korva.frame("About")[0] > 600, "the alert at its new place")
-        fresh = self.start(self.new_folder("folder/", "file"))
-        fresh.window()
         self.korva.wait_for_picture(
             lambda now: now.part(180, 80, 480, 400).colours() == {WHITE}, "nothing of the alert")
 
@@ -73,7 +77,11 @@ class Alert(X11Test):
         self.korva.process.send_signal(signal.SIGTERM)
         self.assert_ends_well(self.korva)
 
-    def test_closing_the_window_behind_ends_the_program(self):
+    def test_window_behind_can_be_closed_after_the_answer_only(self):
+        self.korva.close()
+        self.korva.steady_picture("About")
+        self.display.press("Return")
+        self.assert_alert_closes()
         self.korva.close()
         self.assert_ends_well(self.korva)
 

@@ -10,7 +10,6 @@ import os
 import re
 import select
 import shutil
-import signal
 import struct
 import subprocess
 import tempfile
@@ -68,6 +67,14 @@ class Picture:
             file.write(b"".join(bytes(self.at(x, y))
                                 for y in range(self.height) for x in range(self.width)))
 
+    def save_failure(self):
+        """For whoever looks into a failure, in the folder that KORVA_PICTURES names."""
+        if "KORVA_PICTURES" in os.environ:
+            descriptor, path = tempfile.mkstemp(".ppm", "failure-", os.environ["KORVA_PICTURES"])
+            os.close(descriptor)
+            self.save(path)
+            print("saved", path, flush=True)
+
 
 class Display:
     """An X server with a window manager, both with a home folder of their own."""
@@ -93,7 +100,7 @@ class Display:
             wait_until(lambda: "window id" in self.ask("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
                        "a window manager")
             assert manager.poll() is None
-            self.move_pointer(SCREEN[0] - 1, SCREEN[1] - 1)  # it is part of pictures
+            self.put_pointer_away()
             self._closing = stack.pop_all()
 
     @staticmethod
@@ -140,12 +147,14 @@ class Display:
         subprocess.run(command, env=self.env, check=True, stdout=subprocess.DEVNULL,
                        timeout=PATIENCE)
 
-    def move_pointer(self, x, y):
-        self.do("xdotool", "mousemove", str(x), str(y))
-
     def click(self, x, y, button=1, times=1):
         self.do("xdotool", "mousemove", str(x), str(y),
                 "click", "--repeat", str(times), "--delay", "30", str(button))
+        self.put_pointer_away()
+
+    def put_pointer_away(self):
+        """Else it is part of the pictures."""
+        self.do("xdotool", "mousemove", str(SCREEN[0] - 1), str(SCREEN[1] - 1))
 
     def press(self, *keys):
         self.do("xdotool", "key", *keys)
@@ -174,6 +183,10 @@ class Program:
         env = {**display.env, **options.pop("env", {})}
         self.process = subprocess.Popen(command, env=env, stdin=subprocess.DEVNULL,
                                         stderr=self._errors, **options)
+
+    def age(self):
+        """Seconds since the start."""
+        return time.monotonic() - self.started
 
     def errors(self):
         self._errors.seek(0)
@@ -224,7 +237,11 @@ class Program:
         def look():
             found[:] = [self.picture(title)]
             return condition(found[0])
-        wait_until(look, what)
+        try:
+            wait_until(look, what)
+        except AssertionError:
+            found[0].save_failure()
+            raise
         return found[0]
 
     def resize(self, width, height):
@@ -284,13 +301,3 @@ class X11Test(unittest.TestCase):
     def assert_ends_well(self, program):
         self.assertEqual(program.wait_for_end(), 0, program.errors())
         self.assertEqual(program.errors(), "")
-
-
-def silence_core_dumps():
-    """For a child process."""
-    import resource
-    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-
-
-__all__ = ["Display", "FRAME", "KORVA", "PATIENCE", "Picture", "Program", "SCREEN", "X11Test",
-           "signal", "wait_until"]

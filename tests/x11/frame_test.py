@@ -12,7 +12,6 @@ BAR = (232, 232, 232)
 FACE = (216, 216, 216)
 OUTLINE = (108, 108, 108)
 WHITE = (255, 255, 255)
-ROW = 15  # pixels from one row to the next, by the font's height
 
 # The left pane takes a third of the first width; edges are rounded to whole pixels.
 LEFT = (FRAME[2] - 1) / 3

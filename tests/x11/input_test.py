@@ -8,94 +8,90 @@ import unittest
 from desktop import X11Test
 
 ROW = 15  # pixels from one row to the next
-TREE = (10, 27, 150, 470)   # rows of the left pane
-ITEMS = (180, 27, 480, 470)  # rows of the right pane
+FIRST, SECOND = (30, 37), (30, 37 + ROW)  # rows of the left pane
+TREE = (4, 30, 140, 470)     # of the left pane, without its border and scroll bar
+ITEMS = (180, 30, 480, 470)  # of the right pane
 WHEEL_UP, WHEEL_DOWN = 4, 5
 
 
-def ink(picture, area):
-    """The rows of pixels in an area that hold anything but white."""
-    part = picture.part(*area)
-    return [y for y in range(part.height)
-            if part.data[4 * part.width * y:4 * part.width * (y + 1)].strip(b"\xff\x00\xff")]
+def rows_with_text(items):
+    return sum(1 for top in range(0, items.height - ROW, ROW)
+               if len(items.part(0, top, items.width - 1, top + ROW - 1).colours()) > 1)
 
 
 class Input(X11Test):
     def setUp(self):
         self.folder = self.new_folder(
-            "first/a", "first/b", "second/", *(f"file{i:02}" for i in range(80)))
+            "Folder 1/a", "Folder 1/b", "Folder 2/", *(f"file{i:02}" for i in range(80)))
         self.korva = self.start(self.folder)
         self.before = self.korva.steady_picture()
+        self.items = self.before.part(*ITEMS)
 
     def wait_for_items(self, condition, what):
-        return self.korva.wait_for_picture(lambda now: condition(now.part(*ITEMS)), what)
+        return self.korva.wait_for_picture(
+            lambda now: condition(now.part(*ITEMS)), what).part(*ITEMS)
 
-    def assert_back(self):
-        items = self.before.part(*ITEMS)
-        self.wait_for_items(lambda now: now == items, "the rows as they were at first")
+    def wait_for_change(self, before, what):
+        self.wait_for_items(lambda now: now != before, what)
+        return self.korva.steady_picture().part(*ITEMS)
 
     def test_folder_selected_on_the_left_fills_the_right(self):
-        full = len(ink(self.before, ITEMS))
-        self.korva.click(30, 27 + ROW // 2)
-        two_rows = self.wait_for_items(
-            lambda now: 0 < len(ink(now, (0, 0, now.width - 1, now.height - 1))) < full / 4,
-            "the two entries of the folder")
-        self.korva.click(30, 27 + ROW + ROW // 2)
-        self.wait_for_items(lambda now: len(now.colours()) == 1, "an empty folder's empty pane")
-        self.korva.click(30, 27 + ROW // 2)
-        self.wait_for_items(lambda now: now == two_rows.part(*ITEMS), "the same two rows again")
+        self.korva.click(*FIRST)
+        two_rows = self.wait_for_items(lambda now: rows_with_text(now) == 2, "two entries")
+        self.korva.click(*SECOND)
+        self.wait_for_items(lambda now: rows_with_text(now) == 0, "an empty folder's empty pane")
+        self.korva.click(*FIRST)
+        self.wait_for_items(lambda now: now == two_rows, "the same two rows again")
 
     def test_wheel_scrolls_the_pane_under_the_pointer(self):
-        tree = self.before.part(*TREE)
         self.korva.click(300, 200, WHEEL_DOWN, times=3)
-        self.wait_for_items(lambda now: now != self.before.part(*ITEMS), "other rows")
-        self.assertEqual(self.korva.steady_picture().part(*TREE), tree)
+        self.wait_for_change(self.items, "other rows")
+        self.assertEqual(self.korva.picture().part(*TREE), self.before.part(*TREE))
         self.korva.click(300, 200, WHEEL_UP, times=10)
-        self.assert_back()
+        self.wait_for_items(lambda now: now == self.items, "the first rows again")
         # All rows fit on the left: nothing to scroll.
         self.korva.click(50, 200, WHEEL_DOWN, times=3)
         self.assertEqual(self.korva.steady_picture(), self.before)
 
     def test_keys_move_selection_and_rows(self):
         self.display.press("Down")
-        self.wait_for_items(lambda now: now != self.before.part(*ITEMS), "a selected row")
-        selected = self.korva.steady_picture()
+        first = self.wait_for_change(self.items, "a selected row")
         self.display.press("End")
-        self.wait_for_items(lambda now: now != selected.part(*ITEMS), "the last rows")
-        last = self.korva.steady_picture().part(*ITEMS)
-        self.assertNotEqual(last.part(0, 0, 280, 200), selected.part(*ITEMS).part(0, 0, 280, 200))
+        last = self.wait_for_change(first, "the last rows")
+        self.assertNotEqual(last.at(290, 430), last.at(290, 10), "the last row is selected")
         self.display.press("Home")
-        self.wait_for_items(lambda now: now == selected.part(*ITEMS), "the first rows again")
+        self.wait_for_items(lambda now: now == first, "the first rows again")
         self.display.press("Next")
-        self.wait_for_items(lambda now: now not in (selected.part(*ITEMS), last), "a page on")
+        self.wait_for_items(lambda now: now not in (first, last), "a page on")
         self.display.press("Prior")
-        self.wait_for_items(lambda now: now == selected.part(*ITEMS), "the first page again")
+        self.wait_for_items(lambda now: now == first, "the first page again")
 
     def test_enter_opens_the_selected_folder(self):
         self.display.press("Down", "Return")
-        full = len(ink(self.before, ITEMS))
-        self.wait_for_items(
-            lambda now: 0 < len(ink(now, (0, 0, now.width - 1, now.height - 1))) < full / 4,
-            "the two entries of the first folder")
+        self.wait_for_items(lambda now: rows_with_text(now) == 2, "two entries")
+
+    def test_double_click_opens_a_folder(self):
+        self.korva.click(200, SECOND[1], times=2)
+        self.wait_for_items(lambda now: rows_with_text(now) == 0, "an empty folder's empty pane")
 
     def test_scroll_bar_scrolls(self):
-        # The arrow at its foot, a page below the knob, and the knob itself.
+        # The arrow at its foot, the space below the knob, and the knob itself.
         self.korva.click(493, 467)
-        self.wait_for_items(lambda now: now != self.before.part(*ITEMS), "rows scrolled by the arrow")
-        stepped = self.korva.steady_picture()
+        stepped = self.wait_for_change(self.items, "rows scrolled by the arrow")
         self.korva.click(493, 440)
-        self.wait_for_items(lambda now: now != stepped.part(*ITEMS), "rows scrolled by a page")
+        self.wait_for_change(stepped, "rows scrolled by a page")
         x, y, *_ = self.korva.frame()
         self.display.do("xdotool", "mousemove", str(x + 493), str(y + 200), "mousedown", "1",
-                        "mousemove", str(x + 493), str(y + 20), "mouseup", "1")
-        self.display.move_pointer(0, 0)
-        self.assert_back()
+                        "mousemove", str(x + 493), str(y + 100),
+                        "mousemove", str(x + 493), str(y + 2), "mouseup", "1")
+        self.display.put_pointer_away()
+        self.wait_for_items(lambda now: now == self.items, "the first rows again")
 
-    def test_names_that_change_are_followed_when_shown_again(self):
-        os.unlink(os.path.join(self.folder, "first", "a"))
-        os.unlink(os.path.join(self.folder, "first", "b"))
-        self.korva.click(30, 27 + ROW // 2)
-        self.wait_for_items(lambda now: len(now.colours()) == 1, "an empty pane")
+    def test_folder_is_read_anew_when_it_is_selected(self):
+        for name in ("a", "b"):
+            os.unlink(os.path.join(self.folder, "Folder 1", name))
+        self.korva.click(*FIRST)
+        self.wait_for_items(lambda now: rows_with_text(now) == 0, "an empty pane")
 
 
 if __name__ == "__main__":

@@ -105,6 +105,16 @@ TEST_F(Filters, CommonFiltersSeeEverythingFirst)
 	EXPECT_EQ(1, gFilterRuns);
 }
 
+TEST_F(Filters, ARedirectionSparesNoCommonFilter)
+{
+	fLooper->AddCommonFilter(new BMessageFilter('redi', ToOther));
+	fLooper->AddCommonFilter(new BMessageFilter('redi', Drop));
+	fLooper->PostMessage('redi', &fFirst);
+	Settle();
+	EXPECT_EQ(0, fFirst.count + fOther.count);
+	EXPECT_EQ(2, gFilterRuns);
+}
+
 TEST_F(Filters, ATargetInAnotherLooperCancelsDelivery)
 {
 	Counter stranger;

@@ -5,9 +5,30 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
+
+uint8
+IndexOf(uint32 color)
+{
+	BBitmap bitmap(BRect(0, 0, 0, 0), B_CMAP8);
+	bitmap.SetBits(&color, 4, 0, B_RGBA32);
+	return *static_cast<uint8*>(bitmap.Bits());
+}
+
+int32
+Distance(uint32 a, uint32 b)
+{
+	int32 sum = 0;
+	for (int shift = 0; shift < 24; shift += 8) {
+		const int32 d = int32(a >> shift & 0xff) - int32(b >> shift & 0xff);
+		sum += d * d;
+	}
+	return sum;
+}
 
 // The colour of one palette entry, by conversion.
 uint32
@@ -39,14 +60,41 @@ TEST(Bitmap, PaletteHasGreysWhiteAndTransparency)
 	EXPECT_EQ(PaletteColor(31), 0xfff8f8f8);
 	EXPECT_EQ(PaletteColor(0x3f), 0xffffffff);
 	EXPECT_EQ(PaletteColor(0xff) >> 24, 0u);
-	// Every colour of the cube leads back to an entry of the same colour.
-	for (uint32 entry = 0; entry < 216; entry++) {
-		uint32 color =
-			0xff000000 | entry / 36 * 51 << 16 | entry / 6 % 6 * 51 << 8 | entry % 6 * 51;
-		BBitmap bitmap(BRect(0, 0, 0, 0), B_CMAP8);
-		bitmap.SetBits(&color, 4, 0, B_RGBA32);
-		EXPECT_EQ(PaletteColor(*static_cast<uint8*>(bitmap.Bits())), color);
+	EXPECT_EQ(IndexOf(0xffffffff), 0x3f);
+	EXPECT_EQ(IndexOf(0x7f102030), 0xff);
+}
+
+TEST(Bitmap, TheNearestColourOfThePaletteIsTaken)
+{
+	uint32 palette[256];
+	for (int i = 0; i < 256; i++)
+		palette[i] = PaletteColor(static_cast<uint8>(i));
+	for (uint32 i = 0; i < 2000; i++) {
+		const uint32 color = 0xff000000 | (i * 2654435761u >> 8);
+		int32 best = INT32_MAX;
+		for (int entry = 0; entry < 255; entry++)
+			best = std::min(best, Distance(color, palette[entry]));
+		EXPECT_EQ(Distance(color, palette[IndexOf(color)]), best) << std::hex << color;
 	}
+}
+
+TEST(Bitmap, CopiesShareTheirPixelsUntilWrittenTo)
+{
+	BBitmap bitmap(BRect(0, 0, 3, 1), B_CMAP8);
+	memset(bitmap.Bits(), 3, 8);
+	const BBitmap copy(bitmap);
+	auto shares = [&] { return std::as_const(bitmap).Bits() == copy.Bits(); };
+	EXPECT_TRUE(shares());
+	const uint8 data[] = {1};
+	bitmap.SetBits(data, 1, 0, B_CMAP8);
+	EXPECT_FALSE(shares());
+	EXPECT_EQ(*static_cast<const uint8*>(copy.Bits()), 3);
+
+	EXPECT_EQ(bitmap.SharePixels(copy), B_OK);
+	EXPECT_TRUE(shares());
+	EXPECT_EQ(bitmap.SharePixels(BBitmap(BRect(0, 0, 3, 1), B_RGB32)), B_BAD_VALUE);
+	EXPECT_EQ(bitmap.SharePixels(BBitmap(BRect(0, 0, 3, 2), B_CMAP8)), B_BAD_VALUE);
+	EXPECT_TRUE(shares());
 }
 
 TEST(Bitmap, BitsThatDoNotFitAreCutOff)

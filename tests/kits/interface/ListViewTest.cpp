@@ -24,12 +24,14 @@ public:
 
 	void DrawItem(BView* owner, BRect rect, bool) override
 	{
+		draws++;
 		owner->SetHighColor(IsSelected() ? 200 : 255, 255, 255);
 		owner->FillRect(rect);
 	}
 	void Update(BView*, const BFont*) override { SetHeight(fRowHeight); }
 
 	const int number;
+	int draws = 0;
 
 private:
 	float fRowHeight;
@@ -281,6 +283,25 @@ TEST(ListView, BadIndicesAreIgnored)
 	EXPECT_EQ(list.changes, 0);
 	EXPECT_FALSE(list.AddItem(list.NewRow(9), 5));
 	EXPECT_FALSE(list.ItemFrame(3).IsValid());
+}
+
+TEST(ListView, OnlyDamagedRowsAreDrawn)
+{
+	RecordingList* list = new RecordingList(BRect(0, 0, 120, 100), B_SINGLE_SELECTION_LIST);
+	list->Fill(5);
+	ListenedWindow window(200, 100, list);
+	window.Under([&] {
+		list->Select(0);
+		list->Window()->UpdateIfNeeded();
+		for (Row* row : list->owned)
+			row->draws = 0;
+		list->Select(4);
+	});
+	window.Settle();
+	window.Under([&] {
+		for (const Row* row : list->owned)
+			EXPECT_EQ(row->draws, row->number == 0 || row->number == 4) << row->number;
+	});
 }
 
 TEST(ListView, FramesAndPointsFollowTheRowHeights)

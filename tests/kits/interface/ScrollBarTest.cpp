@@ -2,12 +2,15 @@
 
 #include <interface/ScrollBar.h>
 
+#include <interface/Alert.h>
 #include <interface/ScrollView.h>
 
 #include "tests/support/ListenedWindow.h"
 #include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
+
+#include <future>
 
 using BPrivate::ScrollBarLayout;
 using BPrivate::ScrollBarPart;
@@ -188,6 +191,23 @@ TEST(ScrollBar, ThumbTracksThePointerAlsoFromOutside)
 	scene.window.User().Release(kBarX + 60, kBarTop + 190);
 	scene.window.User().Move(kBarX, kBarTop + 20);
 	EXPECT_EQ(scene.Offset(), 500);
+}
+
+TEST(ScrollBar, AThumbIsLetGoWhileAnAlertHasTheInput)
+{
+	Scene scene;
+	scene.window.User().Press(kBarX, kBarTop + 20);
+	scene.window.Settle();
+	std::future<int32> answer =
+		std::async(std::launch::async, [] { return (new BAlert("over", "", "OK"))->Go(); });
+	InjectedUser alert("over");
+	scene.window.User().Move(kBarX, kBarTop + 38);
+	scene.window.User().Release(kBarX, kBarTop + 38);
+	scene.window.Settle();
+	alert.KeyDown(std::string(1, B_ENTER));
+	EXPECT_EQ(answer.get(), 0);
+	scene.window.User().Move(kBarX, kBarTop + 40);
+	EXPECT_EQ(scene.Offset(), 0);
 }
 
 TEST(ScrollBar, WheelMovesThreeSmallStepsANotch)

@@ -3,6 +3,7 @@
 #include <interface/View.h>
 
 #include "tests/support/TestWindow.h"
+#include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -167,6 +168,17 @@ TEST(ViewLayout, AWindowsSizeReachesItsViewsAndTheirPicture)
 	window->User().Resize(160, 120);
 	window->Settle();
 	EXPECT_EQ(picture.pixels, window->Snapshot().pixels);
+}
+
+TEST(ViewLayout, AWindowsSizeLimitsHoldAlsoWhenSetBeforeItIsShown)
+{
+	Shown<> window(100, 60);
+	window->SetSizeLimits(199, 399, 99, 299);
+	window->ShowAndSettle();
+	EXPECT_TRUE(WaitUntil([&] {
+		Locked lock(window.Get());
+		return window->Bounds() == BRect(0, 0, 199, 99);
+	}));
 }
 
 TEST(ViewLayout, FrameEventsComeOnceForABurstOfChanges)

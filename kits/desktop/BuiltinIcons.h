@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+
+// The icons that we draw ourselves, for machines and types without one in the desktop's theme.
+// Internal to this folder.
+
+#pragma once
+
+#include <support/SupportDefs.h>
+
+#include <QImage>
+
+namespace desktop {
+
+enum class BuiltinIcon {
+	kFolder,
+	kLink,
+	kBrokenLink,
+	kText,
+	kImage,
+	kAudio,
+	kVideo,
+	kArchive,
+	kProgram,
+	kUnknown,
+};
+
+// Any thread. Crisp in multiples of 16.
+QImage DrawBuiltinIcon(BuiltinIcon icon, int32 size);
+
+} // namespace desktop

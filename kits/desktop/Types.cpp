@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+
+// Content types by way of GIO, and which icon stands for which type.
+
+#include <desktop/Types.h>
+
+#include "BuiltinIcons.h"
+#include "GObjectPtr.h"
+#include "IconTheme.h"
+
+#include <gio/gio.h>
+
+#include <cstring>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+
+namespace desktop {
+
+namespace {
+
+// There are a few hundred on a machine, but files may name any in their attributes.
+constexpr size_t kMaxDescriptions = 2000;
+
+std::string
+AskForDescription(const std::string& type)
+{
+	const GText text(g_content_type_get_description(type.c_str()));
+	// Of a type that it does not know GIO says something made of the type's own name.
+	return text && strstr(text.get(), type.c_str()) == nullptr ? text.get() : "";
+}
+
+// The best first.
+std::vector<std::string>
+IconNames(const std::string& type)
+{
+	std::vector<std::string> names;
+	const GObjectPtr<GIcon> icon(g_content_type_get_icon(type.c_str()));
+	if (icon && G_IS_THEMED_ICON(icon.get())) {
+		const char* const* name = g_themed_icon_get_names(G_THEMED_ICON(icon.get()));
+		for (; *name != nullptr; name++) {
+			if (!g_str_has_suffix(*name, "-symbolic"))
+				names.emplace_back(*name);
+		}
+	}
+	return names;
+}
+
+struct IconRule {
+	const char* beginning; // of a type's icon name
+	BuiltinIcon icon;
+};
+
+// The first rule that fits one of a type's icon names.
+constexpr IconRule kRules[] = {
+	{"inode-directory", BuiltinIcon::kFolder},
+	{"folder", BuiltinIcon::kFolder},
+	{"inode-symlink", BuiltinIcon::kLink},
+	{"package-", BuiltinIcon::kArchive},
+	{"application-x-executable", BuiltinIcon::kProgram},
+	{"application-x-sharedlib", BuiltinIcon::kProgram},
+	{"application-x-desktop", BuiltinIcon::kProgram},
+	{"application-vnd.appimage", BuiltinIcon::kProgram},
+	{"application-x-ms-dos-executable", BuiltinIcon::kProgram},
+	{"image-", BuiltinIcon::kImage},
+	{"x-office-drawing", BuiltinIcon::kImage},
+	{"audio-", BuiltinIcon::kAudio},
+	{"video-", BuiltinIcon::kVideo},
+	{"text-", BuiltinIcon::kText},
+	{"x-office-", BuiltinIcon::kText},
+	{"message-", BuiltinIcon::kText},
+};
+
+BuiltinIcon
+BuiltinFor(const std::vector<std::string>& names)
+{
+	for (const IconRule& rule : kRules) {
+		for (const std::string& name : names) {
+			if (name.starts_with(rule.beginning))
+				return rule.icon;
+		}
+	}
+	return BuiltinIcon::kUnknown;
+}
+
+IconPixels
+ToPixels(const QImage& image)
+{
+	const QImage straight = image.convertToFormat(QImage::Format_ARGB32);
+	IconPixels icon;
+	icon.size = straight.width();
+	icon.pixels.resize(size_t(straight.width()) * size_t(straight.height()));
+	// Four bytes a pixel: rows have no padding.
+	std::memcpy(icon.pixels.data(), straight.constBits(), icon.pixels.size() * sizeof(uint32));
+	return icon;
+}
+
+} // namespace
+
+std::string
+TypeByName(const char* name)
+{
+	if (name == nullptr || name[0] == '\0')
+		return {};
+	const GText type(g_content_type_guess(name, nullptr, 0, nullptr));
+	return g_content_type_is_unknown(type.get()) ? std::string() : type.get();
+}
+
+std::string
+TypeByContent(const void* start, size_t length)
+{
+	return GText(
+		g_content_type_guess(nullptr, static_cast<const guchar*>(start), length, nullptr))
+		.get();
+}
+
+std::string
+TypeDescription(const std::string& type)
+{
+	// GIO keeps its answers as well, but looks for aliases of the type each time.
+	static std::mutex sLock;
+	static std::unordered_map<std::string, std::string> sDescriptions;
+	{
+		std::lock_guard lock(sLock);
+		auto found = sDescriptions.find(type);
+		if (found != sDescriptions.end())
+			return found->second;
+	}
+	std::string text = AskForDescription(type == kBrokenLinkType ? kLinkType : type);
+	std::lock_guard lock(sLock);
+	if (sDescriptions.size() >= kMaxDescriptions)
+		sDescriptions.clear();
+	return sDescriptions.try_emplace(type, std::move(text)).first->second;
+}
+
+IconPixels
+LoadTypeIcon(const std::string& type, int32 size)
+{
+	const bool broken = type == kBrokenLinkType;
+	std::vector<std::string> names = IconNames(broken ? kLinkType : type);
+	if (broken || type == kLinkType)
+		names.emplace_back("emblem-symbolic-link");
+	QImage image = IconTheme::Chosen().Load(names, size);
+	if (image.isNull())
+		image = DrawBuiltinIcon(broken ? BuiltinIcon::kBrokenLink : BuiltinFor(names), size);
+	return ToPixels(image);
+}
+
+} // namespace desktop

@@ -1,0 +1,353 @@
+// SPDX-License-Identifier: MIT
+
+// Messages as bytes: what comes back, and what damaged bytes do.
+
+#include <app/AppDefs.h>
+#include <app/Looper.h>
+#include <app/Message.h>
+#include <app/MessagePrivate.h>
+#include <app/Messenger.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <string>
+
+namespace {
+
+constexpr int kMostNested = 32;
+
+// Exactly as long as the image, so that the address sanitizer sees a read beyond it.
+std::vector<char>
+Flat(const BMessage& message)
+{
+	const ssize_t size = message.FlattenedSize();
+	EXPECT_GT(size, 0);
+	std::vector<char> image(static_cast<size_t>(size));
+	EXPECT_EQ(B_OK, message.Flatten(image.data(), size));
+	image.shrink_to_fit();
+	return image;
+}
+
+status_t
+Unflatten(const std::vector<char>& image, BMessage& message)
+{
+	return message.Unflatten(image.data(), static_cast<ssize_t>(image.size()));
+}
+
+bool Same(const BMessage& a, const BMessage& b);
+
+bool
+SameItem(const BPrivate::FieldItem& a, const BPrivate::FieldItem& b)
+{
+	if (a.Message() != nullptr || b.Message() != nullptr)
+		return a.Message() != nullptr && b.Message() != nullptr && Same(*a.Message(), *b.Message());
+	return a.Length() == b.Length() && std::memcmp(a.Bytes(), b.Bytes(), a.Length()) == 0;
+}
+
+// Codes, names, types and items, all in order.
+bool
+Same(const BMessage& a, const BMessage& b)
+{
+	const auto& fields = BPrivate::MessageAccess::Fields(a).All();
+	const auto& others = BPrivate::MessageAccess::Fields(b).All();
+	if (a.what != b.what || fields.size() != others.size())
+		return false;
+	auto other = others.begin();
+	for (const BPrivate::Field& field : fields) {
+		if (field.name != other->name || field.type != other->type ||
+			field.Count() != other->Count())
+			return false;
+		for (int32 i = 0; i < field.Count(); i++) {
+			if (!SameItem(field.At(i), other->At(i)))
+				return false;
+		}
+		other++;
+	}
+	return true;
+}
+
+// One of everything that travels.
+BMessage
+Everything()
+{
+	BMessage message('ever');
+	message.AddBool("bool", true);
+	message.AddBool("bool", false);
+	message.AddInt8("int8", -8);
+	message.AddInt16("int16", -1616);
+	message.AddInt32("int32", -323232);
+	message.AddInt64("int64", -6464646464);
+	message.AddUInt32("uint32", 0xffffffff);
+	message.AddUInt64("uint64", 0xfffffffffffffffe);
+	message.AddFloat("float", 0.5f);
+	message.AddDouble("double", -1e300);
+	message.AddPoint("point", BPoint(1, -2));
+	message.AddRect("rect", BRect(1, 2, 3, 4));
+	message.AddPointer("pointer", &kMostNested);
+	message.AddString("string", "");
+	message.AddString("string", "a text that is longer than what is stored inline");
+	const entry_ref ref(0x100000001, 1ull << 40, "n\xff\nme");
+	const entry_ref nameless;
+	message.AddRef("ref", &ref);
+	message.AddRef("ref", &nameless);
+	message.AddData("raw", B_RAW_TYPE, "\0\1\2", 3);
+	message.AddData("raw", B_RAW_TYPE, nullptr, 0);
+	message.AddString("", "a field without a name");
+	BMessage inner('innr');
+	inner.AddString("name", "value");
+	message.AddMessage("message", &inner);
+	message.AddMessage("message", &message);
+	return message;
+}
+
+BMessage
+Nested(int levels)
+{
+	BMessage message(static_cast<uint32>(levels));
+	if (levels > 1) {
+		const BMessage inner = Nested(levels - 1);
+		message.AddMessage("inner", &inner);
+	}
+	return message;
+}
+
+BMessage
+RandomMessage(std::mt19937& random, int depth)
+{
+	BMessage message(static_cast<uint32>(random()));
+	for (uint32 fields = random() % 6; fields > 0; fields--) {
+		const std::string name(random() % 40, static_cast<char>('a' + random() % 26));
+		for (uint32 items = random() % 4; items > 0; items--) {
+			std::string bytes(random() % 100, '\0');
+			for (char& byte : bytes)
+				byte = static_cast<char>(random());
+			switch (random() % 4) {
+				case 0:
+					message.AddInt32(name.c_str(), static_cast<int32>(random()));
+					break;
+				case 1:
+					message.AddString(name.c_str(), bytes.c_str());
+					break;
+				case 2:
+					message.AddData(
+						name.c_str(), 'data', bytes.data(), static_cast<ssize_t>(bytes.size()));
+					break;
+				default:
+					if (depth < 4) {
+						const BMessage inner = RandomMessage(random, depth + 1);
+						message.AddMessage(name.c_str(), &inner);
+					}
+			}
+		}
+	}
+	return message;
+}
+
+// A message that must not show through when unflattening fails.
+BMessage
+Filled()
+{
+	BMessage message('full');
+	message.AddString("old", "value");
+	return message;
+}
+
+void
+ExpectRefused(const std::vector<char>& image)
+{
+	BMessage message = Filled();
+	EXPECT_EQ(B_BAD_VALUE, Unflatten(image, message));
+	EXPECT_TRUE(message.IsEmpty());
+	EXPECT_EQ(0u, message.what);
+}
+
+// An image with a good head around any body.
+std::vector<char>
+Sealed(const std::vector<uint32>& numbers, const std::string& rest = {})
+{
+	std::vector<char> image(sizeof(BPrivate::ImageHead));
+	auto bytes = reinterpret_cast<const char*>(numbers.data());
+	image.insert(image.end(), bytes, bytes + numbers.size() * sizeof(uint32));
+	image.insert(image.end(), rest.begin(), rest.end());
+	BPrivate::SealImage(image.data(), image.size());
+	return image;
+}
+
+} // namespace
+
+TEST(Flatten, EveryTypeComesBack)
+{
+	const BMessage message = Everything();
+	BMessage read = Filled();
+	ASSERT_EQ(B_OK, Unflatten(Flat(message), read));
+	EXPECT_TRUE(Same(message, read));
+	entry_ref ref;
+	ASSERT_EQ(B_OK, read.FindRef("ref", 0, &ref));
+	EXPECT_EQ(entry_ref(0x100000001, 1ull << 40, "n\xff\nme"), ref);
+	ASSERT_EQ(B_OK, read.FindRef("ref", 1, &ref));
+	EXPECT_EQ(nullptr, ref.name);
+	void* pointer = nullptr;
+	EXPECT_EQ(B_OK, read.FindPointer("pointer", &pointer));
+	EXPECT_EQ(&kMostNested, pointer);
+
+	// The image tells its own size, wherever it lies in memory and whatever follows.
+	std::vector<char> image = Flat(message);
+	image.insert(image.begin(), 'x');
+	image.push_back('y');
+	ASSERT_EQ(B_OK, read.Unflatten(image.data() + 1));
+	EXPECT_TRUE(Same(message, read));
+	ASSERT_EQ(B_OK, read.Unflatten(image.data() + 1, static_cast<ssize_t>(image.size() - 1)));
+	EXPECT_TRUE(Same(message, read));
+}
+
+TEST(Flatten, WhatBelongsToThisProcessStaysHere)
+{
+	BLooper* looper = new BLooper;
+	BMessage inner('innr');
+	inner.AddMessenger("to", BMessenger(looper));
+	BMessage message('mess');
+	message.AddMessenger("to", BMessenger(looper));
+	message.AddInt32("number", 1);
+	message.AddMessage("inner", &inner);
+	BPrivate::MessageAccess::SetDropped(message, true);
+
+	BMessage read;
+	BPrivate::MessageAccess::SetDropped(read, true);
+	ASSERT_EQ(B_OK, Unflatten(Flat(message), read));
+	EXPECT_EQ(B_NAME_NOT_FOUND, read.GetInfo("to", nullptr));
+	EXPECT_TRUE(read.HasInt32("number"));
+	ASSERT_EQ(B_OK, read.FindMessage("inner", &inner));
+	EXPECT_TRUE(inner.IsEmpty());
+	EXPECT_FALSE(read.WasDropped());
+	looper->Quit();
+}
+
+TEST(Flatten, RandomMessagesComeBack)
+{
+	constexpr unsigned kSeed = 20261122;
+	RecordProperty("seed", kSeed);
+	std::mt19937 random(kSeed);
+	for (int i = 0; i < 300; i++) {
+		const BMessage message = RandomMessage(random, 0);
+		BMessage read;
+		ASSERT_EQ(B_OK, Unflatten(Flat(message), read)) << "message " << i;
+		ASSERT_TRUE(Same(message, read)) << "message " << i;
+	}
+}
+
+TEST(Flatten, NestsToItsLimitAndNoDeeper)
+{
+	const BMessage deepest = Nested(kMostNested);
+	BMessage read;
+	ASSERT_EQ(B_OK, Unflatten(Flat(deepest), read));
+	EXPECT_TRUE(Same(deepest, read));
+	const BMessage tooDeep = Nested(kMostNested + 1);
+	EXPECT_EQ(B_BAD_VALUE, tooDeep.FlattenedSize());
+	char buffer[4096];
+	EXPECT_EQ(B_BAD_VALUE, tooDeep.Flatten(buffer, sizeof(buffer)));
+
+	// The deepest image within one more message.
+	const std::vector<char> image = Flat(deepest);
+	const std::string body(image.begin() + sizeof(BPrivate::ImageHead), image.end());
+	ExpectRefused(Sealed({0, 1, B_MESSAGE_TYPE, 0, 1, static_cast<uint32>(body.size())}, body));
+
+	// Each holds the one before twice: small in memory, endless as bytes.
+	BMessage doubled('doub');
+	for (int i = 0; i < kMostNested - 2; i++) {
+		BMessage next('doub');
+		next.AddMessage("half", &doubled);
+		next.AddMessage("half", &doubled);
+		doubled = std::move(next);
+	}
+	EXPECT_EQ(B_BAD_VALUE, doubled.FlattenedSize());
+}
+
+TEST(Flatten, ABufferMustBeThereAndHaveRoom)
+{
+	const BMessage message = Everything();
+	const ssize_t size = message.FlattenedSize();
+	std::vector<char> buffer(static_cast<size_t>(size));
+	EXPECT_EQ(B_NO_MEMORY, message.Flatten(buffer.data(), size - 1));
+	EXPECT_EQ(B_BAD_VALUE, message.Flatten(nullptr, size));
+	BMessage read = Filled();
+	EXPECT_EQ(B_BAD_VALUE, read.Unflatten(nullptr));
+	EXPECT_TRUE(read.IsEmpty());
+	EXPECT_EQ(B_BAD_VALUE, read.Unflatten(nullptr, 10));
+	EXPECT_EQ(B_BAD_VALUE, read.Unflatten(buffer.data(), -1));
+}
+
+TEST(Flatten, AMessageMayBeMadeOfItsOwnField)
+{
+	const std::vector<char> image = Flat(Everything());
+	BMessage message('hold');
+	message.AddData("image", B_RAW_TYPE, image.data(), static_cast<ssize_t>(image.size()));
+	const void* bytes = nullptr;
+	ssize_t length = 0;
+	ASSERT_EQ(B_OK, message.FindData("image", B_RAW_TYPE, &bytes, &length));
+	ASSERT_EQ(B_OK, message.Unflatten(static_cast<const char*>(bytes), length));
+	EXPECT_TRUE(Same(Everything(), message));
+}
+
+TEST(Flatten, EveryTruncationIsRefused)
+{
+	const std::vector<char> image = Flat(Everything());
+	for (size_t size = 0; size < image.size(); size++) {
+		SCOPED_TRACE(size);
+		std::vector<char> cut(image.begin(), image.begin() + static_cast<ssize_t>(size));
+		cut.shrink_to_fit();
+		ExpectRefused(cut);
+		// As a body that was made so: the check is right, so the fields have to be looked at.
+		if (size < sizeof(BPrivate::ImageHead))
+			continue;
+		BPrivate::SealImage(cut.data(), cut.size());
+		ExpectRefused(cut);
+	}
+}
+
+TEST(Flatten, EveryFlippedByteIsNoticed)
+{
+	const BMessage message = Everything();
+	std::vector<char> image = Flat(message);
+	for (size_t i = 0; i < image.size(); i++) {
+		for (int flip : {0x01, 0x80, 0xff}) {
+			SCOPED_TRACE(i);
+			const char before = image[i];
+			image[i] = static_cast<char>(image[i] ^ flip);
+			ExpectRefused(image);
+			image[i] = before;
+		}
+	}
+	// With a check that fits it may be another message, but a whole one.
+	for (size_t i = sizeof(BPrivate::ImageHead); i < image.size(); i++) {
+		std::vector<char> changed = image;
+		changed[i] = static_cast<char>(changed[i] ^ 0xff);
+		BPrivate::SealImage(changed.data(), changed.size());
+		BMessage read;
+		if (Unflatten(changed, read) == B_OK) {
+			EXPECT_EQ(changed, Flat(read)) << "byte " << i;
+		}
+	}
+}
+
+TEST(Flatten, LyingCountsAndLengthsAreRefused)
+{
+	ExpectRefused(Sealed({0}));
+	ExpectRefused(Sealed({0, 0xffffffff}));                                  // fields
+	ExpectRefused(Sealed({0, 1, B_RAW_TYPE, 0xffffffff, 1}));                // length of a name
+	ExpectRefused(Sealed({0, 1, B_RAW_TYPE, 0, 0xffffffff, 0}));             // items
+	ExpectRefused(Sealed({0, 1, B_RAW_TYPE, 0, 0}));                         // none
+	ExpectRefused(Sealed({0, 1, B_RAW_TYPE, 0, 1, 0xffffffff}));             // length of an item
+	ExpectRefused(Sealed({0, 1, B_INT32_TYPE, 0, 1, 2}, "ab"));              // not an int32's
+	ExpectRefused(Sealed({0, 1, B_REF_TYPE, 0, 1, 8}, "12345678"));          // not a reference's
+	ExpectRefused(Sealed({0, 1, B_MESSENGER_TYPE, 0, 1, 0}));                // none that travels
+	ExpectRefused(Sealed({0, 1, B_ANY_TYPE, 0, 1, 0}));                      // no type
+	ExpectRefused(Sealed({0, 0}, "more"));                                   // after the end
+	ExpectRefused(Sealed({0, 1, B_RAW_TYPE, 4, 1, 0x00620061, 0}));          // zeros in a name
+	ExpectRefused(Sealed({0, 2, B_RAW_TYPE, 0, 1, 0, B_RAW_TYPE, 0, 1, 0})); // a name twice
+	BMessage read;
+	EXPECT_EQ(B_OK, Unflatten(Sealed({0, 1, B_RAW_TYPE, 0, 1, 0}), read));
+	EXPECT_TRUE(read.HasData("", B_RAW_TYPE));
+}

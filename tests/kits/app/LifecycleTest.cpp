@@ -1,0 +1,457 @@
+// SPDX-License-Identifier: MIT
+
+// The lives of loopers, handlers, messengers and threads in every order: what counts is that
+// nobody waits for ever, nothing leaks, and the sanitizers have nothing to say.
+
+#include <app/AppDefs.h>
+#include <app/Application.h>
+#include <app/Looper.h>
+#include <app/Messenger.h>
+#include <kernel/DeferKill.h>
+
+#include "tests/support/Storm.h"
+#include "tests/support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr uint32 kMsgWork = 'work';
+constexpr uint32 kMsgQuitInside = 'quin';
+constexpr uint32 kMsgExitThread = 'exit';
+
+std::atomic<int> sLiving; // loopers and handlers of these tests
+
+class Cell : public BHandler {
+public:
+	Cell() { sLiving++; }
+	~Cell() override { sLiving--; }
+
+	void MessageReceived(BMessage* message) override
+	{
+		if (message->what == kMsgWork)
+			message->SendReply(B_REPLY);
+		else
+			BHandler::MessageReceived(message);
+	}
+};
+
+class Worker : public BLooper {
+public:
+	Worker() : BLooper("worker") { sLiving++; }
+
+	void MessageReceived(BMessage* message) override
+	{
+		switch (message->what) {
+			case kMsgWork:
+				message->SendReply(B_REPLY);
+				break;
+			case kMsgQuitInside:
+				Lock(); // twice is once too often: Quit() must not care
+				Quit();
+				break;
+			case kMsgExitThread:
+				exit_thread(7);
+			default:
+				BLooper::MessageReceived(message);
+		}
+	}
+
+protected:
+	~Worker() override { sLiving--; }
+};
+
+void
+LockAndQuit(BLooper* looper)
+{
+	if (looper->Lock())
+		looper->Quit();
+}
+
+thread_id
+Spawn(std::function<void()>* work)
+{
+	thread_id thread = spawn_thread(
+		[](void* data) -> int32 {
+			(*static_cast<std::function<void()>*>(data))();
+			return 0;
+		},
+		"storm", B_NORMAL_PRIORITY, work);
+	resume_thread(thread);
+	return thread;
+}
+
+// Loopers by pointer and messenger, which stay when the loopers are gone.
+class Pool {
+public:
+	struct Entry {
+		BLooper* looper = nullptr;
+		BMessenger messenger;
+	};
+
+	explicit Pool(size_t size) : fEntries(size) {}
+
+	Entry Get(int index)
+	{
+		std::lock_guard lock(fLock);
+		return fEntries[static_cast<size_t>(index)];
+	}
+	void Set(int index, const Entry& entry)
+	{
+		std::lock_guard lock(fLock);
+		fEntries[static_cast<size_t>(index)] = entry;
+	}
+
+private:
+	std::mutex fLock;
+	std::vector<Entry> fEntries;
+};
+
+constexpr int kPlaces = 8;
+
+// A handler that leaves its looper before it goes, also when a kill unwinds the stack.
+class Guest {
+public:
+	~Guest()
+	{
+		const BPrivate::DeferKill noKill;
+		if (!fCell.LockLooper()) // the looper has gone, and let go of the handler
+			return;
+		BLooper* looper = fCell.Looper();
+		looper->RemoveHandler(&fCell);
+		looper->Unlock();
+	}
+
+	Cell& operator*() { return fCell; }
+
+private:
+	Cell fCell;
+};
+
+void
+AddAndRemoveHandler(BLooper* looper)
+{
+	Guest guest;
+	if (!looper->Lock())
+		return;
+	looper->AddHandler(&*guest);
+	const BMessenger messenger(&*guest);
+	looper->Unlock();
+	messenger.SendMessage(kMsgWork);
+	BMessage message(kMsgWork), reply;
+	messenger.SendMessage(&message, &reply, B_INFINITE_TIMEOUT, 1000);
+}
+
+void
+Renew(Pool& pool, int place, bool run)
+{
+	// The worker holds the new looper's lock until it runs, so that a kill leaves nothing behind.
+	Worker* looper = new Worker;
+	const Pool::Entry old = pool.Get(place);
+	if (run) {
+		pool.Set(place, {looper, BMessenger(looper)});
+		looper->Run();
+	} else
+		looper->Quit();
+	if (run && old.looper != nullptr && old.looper != looper)
+		old.messenger.SendMessage(B_QUIT_REQUESTED);
+}
+
+void
+DoSomething(Pool& pool, Dice& dice)
+{
+	const int place = dice(kPlaces);
+	const Pool::Entry entry = pool.Get(place);
+	const int what = entry.looper != nullptr ? dice(14) : 0;
+	BMessage message(kMsgWork), reply;
+	switch (what) {
+		case 0:
+		case 1:
+		case 2:
+			Renew(pool, place, dice(4) != 0);
+			break;
+		case 3:
+			LockAndQuit(entry.looper);
+			break;
+		case 4:
+			entry.messenger.SendMessage(kMsgQuitInside);
+			break;
+		case 5:
+			entry.looper->PostMessage(B_QUIT_REQUESTED);
+			break;
+		case 6:
+			entry.looper->PostMessage(kMsgWork, entry.looper);
+			break;
+		case 7: // answered, by the looper or by its end
+			if (entry.messenger.SendMessage(&message, &reply) == B_OK) {
+				EXPECT_TRUE(reply.what == B_REPLY || reply.what == B_NO_REPLY);
+			}
+			break;
+		case 8:
+		case 9:
+			AddAndRemoveHandler(entry.looper);
+			break;
+		case 10:
+			if (entry.looper->LockWithTimeout(dice(300)) == B_OK)
+				entry.looper->Unlock();
+			break;
+		case 11:
+			if (entry.messenger.LockTarget()) {
+				BLooper* looper = nullptr;
+				EXPECT_NE(nullptr, entry.messenger.Target(&looper));
+				looper->Unlock();
+			}
+			break;
+		case 12:
+			if (entry.looper->Lock()) {
+				entry.looper->PostMessage(kMsgQuitInside);
+				snooze(dice(100)); // others queue up for the lock meanwhile
+				entry.looper->Unlock();
+			}
+			break;
+		default:
+			entry.messenger.SendMessage(kMsgExitThread);
+	}
+}
+
+} // namespace
+
+TEST(Lifecycle, LoopersHandlersAndMessengersInAStormOfThreadsThatAreKilled)
+{
+	const int rounds = StormRounds(60, 6000);
+	constexpr int kThreads = 4;
+	sLiving = 0;
+	Pool pool(kPlaces);
+	std::atomic<bool> ending = false;
+	std::atomic<unsigned> seed = 20261123;
+	std::function<void()> work = [&] {
+		Dice dice(seed++);
+		while (!ending) {
+			DoSomething(pool, dice);
+			snooze(1); // where a kill ends it
+		}
+	};
+	std::vector<thread_id> threads(kThreads);
+	for (thread_id& thread : threads)
+		thread = Spawn(&work);
+	Dice dice(1);
+	for (int i = 0; i < rounds; i++) {
+		snooze(dice(4000));
+		thread_id& thread = threads[static_cast<size_t>(dice(kThreads))];
+		kill_thread(thread);
+		thread = Spawn(&work);
+	}
+	ending = true;
+	for (thread_id thread : threads)
+		wait_for_thread(thread);
+	for (int i = 0; i < kPlaces; i++) {
+		if (BLooper* looper = pool.Get(i).looper)
+			LockAndQuit(looper);
+	}
+	// Those that are ending by themselves.
+	EXPECT_TRUE(WaitUntil([] { return sLiving == 0; })) << sLiving << " are left";
+}
+
+TEST(Lifecycle, ManyQuitTheSameLooperAtOnceWhileSendersWait)
+{
+	for (int i = 0; i < StormRounds(50, 5000); i++) {
+		sLiving = 0;
+		Worker* looper = new Worker;
+		const BMessenger messenger(looper);
+		// The senders' messages are queued for sure while the lock is held.
+		std::vector<std::thread> threads;
+		std::atomic<int> started = 0;
+		for (int j = 0; j < 4; j++) {
+			threads.emplace_back([&] {
+				BMessage message(kMsgWork), reply;
+				started++;
+				if (messenger.SendMessage(&message, &reply) == B_OK) {
+					EXPECT_TRUE(reply.what == B_REPLY || reply.what == B_NO_REPLY);
+				}
+			});
+			threads.emplace_back([&] {
+				started++;
+				LockAndQuit(looper);
+			});
+		}
+		EXPECT_TRUE(WaitUntil([&] { return started == 8; }));
+		if (i % 2 == 0)
+			looper->PostMessage(kMsgQuitInside);
+		looper->Run();
+		for (std::thread& thread : threads)
+			thread.join();
+		EXPECT_TRUE(WaitUntil([&] { return sLiving == 0 && !messenger.IsValid(); }));
+	}
+}
+
+TEST(Lifecycle, AHandlerMayBeDeletedAsSoonAsItsLooperCannotBeLocked)
+{
+	for (int i = 0; i < StormRounds(200, 20000); i++) {
+		Worker* looper = new Worker;
+		std::vector<std::unique_ptr<Cell>> cells;
+		for (int j = 0; j < 8; j++) {
+			cells.push_back(std::make_unique<Cell>());
+			looper->AddHandler(cells.back().get());
+		}
+		looper->Run();
+		looper->PostMessage(kMsgQuitInside);
+		while (!cells.empty()) {
+			while (cells.back()->LockLooper())
+				looper->Unlock();
+			EXPECT_EQ(nullptr, cells.back()->NextHandler());
+			cells.pop_back();
+		}
+	}
+	EXPECT_TRUE(WaitUntil([] { return sLiving == 0; }));
+}
+
+TEST(Lifecycle, KilledLockersLeaveNothingBehind)
+{
+	Worker* looper = new Worker;
+	looper->Run();
+	std::function<void()> lockAndUnlock = [looper] {
+		for (;;) {
+			ASSERT_TRUE(looper->Lock());
+			looper->Unlock();
+		}
+	};
+	for (int i = 0; i < StormRounds(20, 1000); i++) {
+		std::vector<thread_id> threads;
+		for (int j = 0; j < 4; j++)
+			threads.push_back(Spawn(&lockAndUnlock));
+		// The killer may hold the very lock that they want.
+		const bool locked = i % 2 == 0;
+		if (locked) {
+			ASSERT_TRUE(looper->Lock());
+		}
+		for (thread_id thread : threads)
+			EXPECT_EQ(B_OK, kill_thread(thread));
+		if (locked)
+			looper->Unlock();
+		BMessage message(kMsgWork), reply;
+		ASSERT_EQ(B_OK, BMessenger(looper).SendMessage(&message, &reply));
+	}
+	LockAndQuit(looper);
+}
+
+TEST(Lifecycle, ALooperWhoseThreadEndsBeforeItsTimeIsDeletedByItOrByQuit)
+{
+	for (int i = 0; i < StormRounds(50, 2000); i++) {
+		sLiving = 0;
+		Worker* looper = new Worker;
+		const BMessenger messenger(looper);
+		const thread_id thread = looper->Run();
+		if (i % 2 == 0) {
+			messenger.SendMessage(kMsgExitThread);
+			wait_for_thread(thread);
+		} else {
+			// Only a looper that looks for a message comes to where it can be killed.
+			std::atomic<bool> killed = false;
+			std::thread poster([&] {
+				while (!killed && messenger.SendMessage(kMsgWork) == B_OK)
+					snooze(50);
+			});
+			kill_thread(thread);
+			killed = true;
+			poster.join();
+			LockAndQuit(looper);
+		}
+		EXPECT_FALSE(messenger.IsValid());
+		EXPECT_EQ(0, sLiving);
+	}
+}
+
+TEST(Lifecycle, AnApplicationReadsItsArgumentsThenIsReadyThenReadsItsMessages)
+{
+	class Listening : public BApplication {
+	public:
+		Listening() : BApplication("application/x-listening") {}
+		void ReadyToRun() override { trace += "ready "; }
+		void ArgvReceived(int32 argc, char** argv) override
+		{
+			EXPECT_EQ(nullptr, argv[argc]);
+			for (int32 i = 0; i < argc; i++)
+				trace += std::string(argv[i]) + ' ';
+		}
+		void MessageReceived(BMessage*) override { trace += "message "; }
+		std::string trace;
+	} application;
+	BMessage arguments(B_ARGV_RECEIVED);
+	arguments.AddInt32("argc", 2);
+	arguments.AddString("argv", "name");
+	arguments.AddString("argv", "folder");
+	application.PostMessage(kMsgWork);
+	application.PostMessage(&arguments);
+	application.PostMessage(B_QUIT_REQUESTED);
+	application.Run();
+	EXPECT_EQ("ready message name folder ", application.trace);
+}
+
+// A looper that makes another one when it is told to work, even while the application ends.
+TEST(Lifecycle, ApplicationsEndEveryLooperThatRuns)
+{
+	class Breeder : public Worker {
+	public:
+		explicit Breeder(int generations) : fGenerations(generations) {}
+
+		void MessageReceived(BMessage* message) override
+		{
+			if (fGenerations > 0 && message->what == kMsgWork) {
+				Breeder* child = new Breeder(fGenerations - 1);
+				child->PostMessage(kMsgWork);
+				child->Run();
+			}
+			// The application must let this through wherever it is.
+			if (be_app_messenger.LockTarget()) {
+				BLooper* application = nullptr;
+				be_app_messenger.Target(&application);
+				application->Unlock();
+			}
+		}
+
+	private:
+		const int fGenerations;
+	};
+	Dice dice(20261124);
+	for (int i = 0; i < StormRounds(30, 3000); i++) {
+		sLiving = 0;
+		std::atomic<bool> ended = false;
+		std::thread outsider;
+		{
+			BApplication application("application/x-storm");
+			outsider = std::thread([&ended, messenger = be_app_messenger] {
+				while (!ended) {
+					messenger.SendMessage(kMsgWork);
+					if (messenger.LockTarget()) {
+						BLooper* target = nullptr;
+						messenger.Target(&target);
+						target->Unlock();
+					}
+				}
+				EXPECT_FALSE(messenger.IsValid());
+			});
+			for (int j = dice(4); j >= 0; j--) {
+				Breeder* breeder = new Breeder(5);
+				breeder->PostMessage(kMsgWork);
+				breeder->Run();
+			}
+			(new Worker)->IsLocked(); // never run: its maker is the one that ends it
+			if (dice(2) == 0) {
+				application.PostMessage(B_QUIT_REQUESTED);
+				application.Run();
+			}
+		}
+		EXPECT_EQ(nullptr, be_app);
+		EXPECT_FALSE(be_app_messenger.IsValid());
+		EXPECT_EQ(0, sLiving);
+		ended = true;
+		outsider.join();
+	}
+}

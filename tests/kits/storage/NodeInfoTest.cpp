@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+
+#include <storage/Node.h>
+#include <storage/NodeInfo.h>
+
+#include <support/TypeConstants.h>
+
+#include "tests/support/TempTree.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+namespace {
+
+// "" when there is none; the buffer must then be as it was.
+std::string
+TypeOf(const std::string& path)
+{
+	BNode node(path.c_str());
+	EXPECT_EQ(node.InitCheck(), B_OK) << path;
+	char type[B_MIME_TYPE_LENGTH] = "before";
+	status_t status = BNodeInfo(&node).GetType(type);
+	if (status == B_OK)
+		return type;
+	EXPECT_EQ(status, B_ENTRY_NOT_FOUND) << path;
+	EXPECT_STREQ(type, "before");
+	return "";
+}
+
+// The beginning of a program; the kind is 2 with fixed addresses, else 3 as a library's.
+std::string
+Elf(char kind)
+{
+	std::string bytes("\x7f" "ELF\x02\x01\x01", 7);
+	bytes.resize(64);
+	bytes[16] = kind;
+	bytes[18] = 62;
+	bytes[20] = 1;
+	return bytes;
+}
+
+const std::string kPng("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\1\0\0\0\1", 24);
+
+} // namespace
+
+TEST(NodeInfo, NamesDecideBeforeContents)
+{
+	TempTree tree{{"photo.png", Text("words")}, {"WORDS.TXT", Text(kPng)}, {"a.tar.gz", Text()},
+		{"page.html", Text()}, {"Makefile", Text()}, {"dir.png/song.mp3", Text()}};
+	EXPECT_EQ(TypeOf(tree.Path("photo.png")), "image/png");
+	EXPECT_EQ(TypeOf(tree.Path("WORDS.TXT")), "text/plain");
+	EXPECT_EQ(TypeOf(tree.Path("a.tar.gz")), "application/x-compressed-tar");
+	EXPECT_EQ(TypeOf(tree.Path("page.html")), "text/html");
+	EXPECT_EQ(TypeOf(tree.Path("Makefile")), "text/x-makefile");
+	EXPECT_EQ(TypeOf(tree.Path("dir.png/song.mp3")), "audio/mpeg");
+}
+
+TEST(NodeInfo, ContentsDecideWhenNamesSayNothing)
+{
+	TempTree tree{{"empty", Text()}, {"words", Text("some words\n")}, {"picture", Text(kPng)},
+		{"script", Text("#!/bin/sh\n")}, {"noise", Text(std::string("\0\1\2\3\xfe\xff", 6))},
+		{"library", Text(Elf(3))}, {"program", Text(Elf(3))}, {"old", Text(Elf(2))}};
+	tree.SetMode("program", 0755);
+	EXPECT_EQ(TypeOf(tree.Path("empty")), "application/x-zerosize");
+	EXPECT_EQ(TypeOf(tree.Path("words")), "text/plain");
+	EXPECT_EQ(TypeOf(tree.Path("picture")), "image/png");
+	EXPECT_EQ(TypeOf(tree.Path("script")), "application/x-shellscript");
+	EXPECT_EQ(TypeOf(tree.Path("noise")), "application/octet-stream");
+	EXPECT_EQ(TypeOf(tree.Path("library")), "application/x-sharedlib");
+	EXPECT_EQ(TypeOf(tree.Path("program")), "application/x-executable");
+	EXPECT_EQ(TypeOf(tree.Path("old")), "application/x-executable");
+}
+
+TEST(NodeInfo, OnlyRegularFilesHaveTypesWithoutAttributes)
+{
+	TempTree tree{{"folder.txt/x", Text()}, {"link.txt", Link("folder.txt/x")},
+		{"broken.png", Link("none")}};
+	const std::string pipe = tree.Path() + "/pipe.txt";
+	ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+	EXPECT_EQ(TypeOf(tree.Path("folder.txt")), "");
+	EXPECT_EQ(TypeOf(tree.Path("link.txt")), "");
+	EXPECT_EQ(TypeOf(tree.Path("broken.png")), "");
+	EXPECT_EQ(TypeOf(pipe), "");
+	EXPECT_EQ(TypeOf("/dev/null"), "");
+}
+
+TEST(NodeInfo, AttributesDecideBeforeNames)
+{
+	TempTree tree{{"file.txt", Text("words")}, {"folder/x", Text()}};
+	const std::string file = tree.Path("file.txt");
+	const std::string folder = tree.Path("folder");
+	auto set = [](const std::string& path, const char* name, const std::string& value) {
+		return setxattr(path.c_str(), name, value.data(), value.size(), 0) == 0;
+	};
+	if (!set(file, "user.mime_type", "image/jpeg"))
+		GTEST_SKIP() << "no attributes on the file system of " << file;
+	EXPECT_EQ(TypeOf(file), "image/jpeg");
+
+	BNode node(file.c_str());
+	const char type[] = "application/x-vnd.Be-Thing";
+	ASSERT_EQ(node.WriteAttr("BEOS:TYPE", B_MIME_STRING_TYPE, 0, type, sizeof(type)),
+		static_cast<ssize_t>(sizeof(type)));
+	EXPECT_EQ(TypeOf(file), type);
+	ASSERT_TRUE(set(folder, "user.BEOS:TYPE", "text/x-folder"));
+	EXPECT_EQ(TypeOf(folder), "text/x-folder");
+
+	// Values that can be no type are as good as none; many other attributes do not hide it.
+	ASSERT_TRUE(set(file, "user.BEOS:TYPE", std::string(1000, 'x')));
+	EXPECT_EQ(TypeOf(file), "image/jpeg");
+	ASSERT_TRUE(set(file, "user.BEOS:TYPE", ""));
+	ASSERT_TRUE(set(file, "user.mime_type", ""));
+	EXPECT_EQ(TypeOf(file), "text/plain");
+	for (int i = 0; i < 12; i++)
+		set(file, ("user." + std::string(100, 'a') + std::to_string(i)).c_str(), "");
+	ASSERT_TRUE(set(file, "user.mime_type", "text/html"));
+	EXPECT_EQ(TypeOf(file), "text/html");
+}
+
+TEST(NodeInfo, NodesThatAreNoneAreRefused)
+{
+	TempTree tree{{"file.txt", Text()}};
+	char type[B_MIME_TYPE_LENGTH];
+	EXPECT_EQ(BNodeInfo().InitCheck(), B_NO_INIT);
+	EXPECT_EQ(BNodeInfo().GetType(type), B_NO_INIT);
+	EXPECT_EQ(BNodeInfo(nullptr).GetType(type), B_BAD_VALUE);
+	BNode missing(tree.Path("missing").c_str());
+	EXPECT_EQ(BNodeInfo(&missing).InitCheck(), B_BAD_VALUE);
+
+	BNode node(tree.Path("file.txt").c_str());
+	BNodeInfo info(&node);
+	EXPECT_EQ(info.InitCheck(), B_OK);
+	EXPECT_EQ(info.GetType(nullptr), B_BAD_VALUE);
+	node.Unset();
+	EXPECT_EQ(info.GetType(type), B_NO_INIT);
+}
