@@ -53,8 +53,8 @@ KorvaApp::AboutRequested()
 {
 	char text[256];
 	snprintf(text, sizeof(text), "Korva v%s %s\n\t%s", VERS, BUILD, DATE);
-	BAlert* alert = new BAlert(
-		"About", text, "Thanks", nullptr, nullptr, B_WIDTH_AS_USUAL, B_INFO_ALERT);
+	BAlert* alert =
+		new BAlert("About", text, "Thanks", nullptr, nullptr, B_WIDTH_AS_USUAL, B_INFO_ALERT);
 	alert->Go(); // deletes itself
 }
 

@@ -5,8 +5,7 @@
 ResizeBar::ResizeBar(
 	BRect frame, const char* name, uint32 resizingMode, uint32 flags, orientation direction) :
 	BView(frame, name, resizingMode, flags | B_WILL_DRAW | B_FRAME_EVENTS), fOrientation(direction)
-{
-}
+{}
 
 void
 ResizeBar::AttachedToWindow()

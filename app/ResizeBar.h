@@ -8,7 +8,8 @@
 
 class ResizeBar : public BView {
 public:
-	ResizeBar(BRect frame, const char* name, uint32 resizingMode, uint32 flags, orientation direction);
+	ResizeBar(
+		BRect frame, const char* name, uint32 resizingMode, uint32 flags, orientation direction);
 
 	// The view left of or above the bar, and the one right of or below it; borrowed.
 	void SetFirstView(BView* view) { fFirst = view; }

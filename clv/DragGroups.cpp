@@ -96,8 +96,8 @@ ShiftedDisplayOrder(const std::vector<CLVColumn*>& displayOrder,
 	order.reserve(displayOrder.size());
 	auto append = [&](size_t index) {
 		const DragGroup& group = groups[index];
-		order.insert(order.end(), displayOrder.begin() + group.first,
-			displayOrder.begin() + group.last + 1);
+		order.insert(
+			order.end(), displayOrder.begin() + group.first, displayOrder.begin() + group.last + 1);
 	};
 	for (size_t i = 0; i <= groups.size(); i++) {
 		if (static_cast<int32>(i) == newIndex)

@@ -117,8 +117,8 @@ private:
 		std::copy(fOrder.begin() + begin, fOrder.begin() + end, room.begin() + begin);
 		size_t left = At(begin), right = At(middle);
 		for (size_t to = At(begin); to < At(end); to++) {
-			const bool takeRight = left == At(middle) ||
-				(right < At(end) && Compare(room[left], room[right]) == 1);
+			const bool takeRight =
+				left == At(middle) || (right < At(end) && Compare(room[left], room[right]) == 1);
 			fOrder[to] = takeRight ? room[right++] : room[left++];
 		}
 	}
@@ -185,7 +185,7 @@ private:
 		Counts free(size);
 		for (int32 i = 0; i < size; i++)
 			free.Add(i, 1);
-		int32 front = 0;      // of the queue, counted in free places
+		int32 front = 0;     // of the queue, counted in free places
 		int32 turns = begin; // so many smaller items there are in all
 		for (; size > 0; size--) {
 			const int32 item = items[At(size - 1)];

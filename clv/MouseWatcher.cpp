@@ -48,8 +48,13 @@ StartWatcherThread(
 	const thread_id thread = spawn_thread(watch, name, B_NORMAL_PRIORITY, messenger.get());
 	if (thread < 0)
 		return thread;
-	if (length > 0)
-		send_data(thread, kStartCode, start, length);
+	if (length > 0) {
+		const status_t status = send_data(thread, kStartCode, start, length);
+		if (status != B_OK) {
+			kill_thread(thread);
+			return status;
+		}
+	}
 	messenger.release(); // the thread's from now on
 	resume_thread(thread);
 	return thread;

@@ -8,8 +8,7 @@
 
 NameList::NameList(BRect frame, const char* name, list_view_type type) :
 	BListView(frame, name, type, B_FOLLOW_ALL_SIDES)
-{
-}
+{}
 
 NameList::~NameList()
 {

@@ -29,7 +29,8 @@ public:
 	const NameItem* RowAt(int32 index) const;
 
 	// The list in a scroll view that fills `bounds` and follows it.
-	static BView* InScrollView(BRect bounds, NameList** list, const char* name, list_view_type type);
+	static BView* InScrollView(
+		BRect bounds, NameList** list, const char* name, list_view_type type);
 
 private:
 	void DeleteRows();

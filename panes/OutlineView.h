@@ -23,6 +23,6 @@ private:
 	void SelectFolder(const entry_ref& folder);
 	void FolderSelected();
 
-	NameList* fList; // a child of our child
-	entry_ref fShown;     // the folder that the other panes show
+	NameList* fList;  // a child of our child
+	entry_ref fShown; // the folder that the other panes show
 };

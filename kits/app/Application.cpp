@@ -91,9 +91,7 @@ ArgumentsMessage()
 
 } // namespace
 
-BApplication::BApplication(const char* signature) : BApplication(signature, nullptr)
-{
-}
+BApplication::BApplication(const char* signature) : BApplication(signature, nullptr) {}
 
 BApplication::BApplication(const char* signature, status_t* error) :
 	BLooper(signature), fSignature(signature)
@@ -226,23 +224,19 @@ BApplication::MessageReceived(BMessage* message)
 
 void
 BApplication::ReadyToRun()
-{
-}
+{}
 
 void
 BApplication::ArgvReceived(int32, char**)
-{
-}
+{}
 
 void
 BApplication::RefsReceived(BMessage*)
-{
-}
+{}
 
 void
 BApplication::AboutRequested()
-{
-}
+{}
 
 void
 BApplication::SetCursor(const void* cursor)

@@ -20,7 +20,8 @@ typedef filter_result (*filter_hook)(BMessage* message, BHandler** target, BMess
 class BHandler {
 public:
 	explicit BHandler(const char* name = nullptr);
-	virtual ~BHandler(); // leaves its looper; the looper must be locked by the caller or not running
+	virtual ~BHandler(); // leaves its looper; the looper must be locked by the caller or not
+						 // running
 	BHandler(const BHandler&) = delete;
 	BHandler& operator=(const BHandler&) = delete;
 

@@ -4,8 +4,8 @@
 
 #pragma once
 
-#include <app/Messenger.h>
 #include <app/Message.h>
+#include <app/Messenger.h>
 
 #include <memory>
 

@@ -19,7 +19,6 @@ using BPrivate::MessageAccess;
 BLooper::BLooper(const char* name, int32 priority, int32) :
 	BHandler(name), fCore(LooperRegistry::Add(this)), fPriority(priority)
 {
-	fCore->Lock().Lock();
 	fLooper = this;
 	fCore->handlers[fToken] = this;
 }
@@ -142,9 +141,8 @@ BLooper::_Filter(const std::vector<BMessageFilter*>& filters, std::vector<BMessa
 	// A hook may add or remove filters: work on a copy and look whether each is still there.
 	const std::vector<BMessageFilter*> snapshot = filters;
 	for (BMessageFilter* filter : snapshot) {
-		if (std::find(filters.begin(), filters.end(), filter) == filters.end()
-			|| std::find(done.begin(), done.end(), filter) != done.end()
-			|| !filter->Accepts(*message))
+		if (std::find(filters.begin(), filters.end(), filter) == filters.end() ||
+			std::find(done.begin(), done.end(), filter) != done.end() || !filter->Accepts(*message))
 			continue;
 		done.push_back(filter);
 		BHandler* before = *target;
@@ -375,8 +373,7 @@ BLooper::_NextWakeUp()
 
 void
 BLooper::_AfterMessage()
-{
-}
+{}
 
 BHandler*
 BLooper::_Retarget(BMessage*, BHandler* target)

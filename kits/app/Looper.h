@@ -86,12 +86,13 @@ private:
 	friend class BApplication;
 
 	static int32 _ThreadEntry(void* looper);
-	status_t _Post(std::unique_ptr<BMessage> message, BHandler* handler, bool preferred, BHandler* replyTo);
+	status_t _Post(
+		std::unique_ptr<BMessage> message, BHandler* handler, bool preferred, BHandler* replyTo);
 	void _Deliver(std::unique_ptr<BMessage> message);
 	BHandler* _FindTarget(BMessage* message);
 	BHandler* _RunFilters(BMessage* message, BHandler* target);
-	static bool _Filter(const std::vector<BMessageFilter*>& filters, std::vector<BMessageFilter*>& done,
-		BMessage* message, BHandler** target);
+	static bool _Filter(const std::vector<BMessageFilter*>& filters,
+		std::vector<BMessageFilter*>& done, BMessage* message, BHandler** target);
 	static void _Delete(BLooper* looper, BPrivate::LooperCore& core);
 
 	std::shared_ptr<BPrivate::LooperCore> fCore;

@@ -146,6 +146,7 @@ std::shared_ptr<LooperCore>
 LooperRegistry::Add(BLooper* looper)
 {
 	auto core = std::make_shared<LooperCore>(looper);
+	core->Lock().Lock();
 	std::unique_lock lock(TheRegistry().mutex);
 	TheRegistry().loopers[looper] = core;
 	return core;
@@ -196,8 +197,8 @@ bool
 LooperRegistry::WaitForThreads(bigtime_t timeout)
 {
 	std::unique_lock lock(TheRegistry().threadMutex);
-	return TheRegistry().threadEnded.wait_for(lock, std::chrono::microseconds(timeout),
-		[] { return TheRegistry().threads == 0; });
+	return TheRegistry().threadEnded.wait_for(
+		lock, std::chrono::microseconds(timeout), [] { return TheRegistry().threads == 0; });
 }
 
 int64

@@ -78,6 +78,7 @@ private:
 // through a stale pointer fail instead of touching freed memory. Any thread.
 class LooperRegistry {
 public:
+	// Locked by the caller before anybody finds it: a stale pointer may name the very address.
 	static std::shared_ptr<LooperCore> Add(BLooper* looper);
 	static void Remove(BLooper* looper);
 	static std::shared_ptr<LooperCore> Find(const BLooper* looper);

@@ -13,12 +13,14 @@ BMessageFilter::BMessageFilter(
 	fDelivery(delivery), fSource(source), fCommand(what), fHook(hook)
 {}
 
-filter_result BMessageFilter::Filter(BMessage* message, BHandler** target)
+filter_result
+BMessageFilter::Filter(BMessage* message, BHandler** target)
 {
 	return fHook != nullptr ? fHook(message, target, this) : B_DISPATCH_MESSAGE;
 }
 
-bool BMessageFilter::Accepts(const BMessage& message) const
+bool
+BMessageFilter::Accepts(const BMessage& message) const
 {
 	// Every message comes from this process: other programs speak to it through the desktop.
 	if (fSource == B_REMOTE_SOURCE)

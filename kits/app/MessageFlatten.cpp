@@ -180,8 +180,7 @@ ReadItem(Reader& reader, type_code type, int32 depth)
 }
 
 bool
-ReadField(
-	Reader& reader, MessageFields& fields, std::set<std::string_view>& names, int32 depth)
+ReadField(Reader& reader, MessageFields& fields, std::set<std::string_view>& names, int32 depth)
 {
 	uint32 type = 0;
 	uint32 nameLength = 0;
@@ -298,8 +297,8 @@ BMessage::Unflatten(const char* buffer, ssize_t size)
 {
 	// Into another message, since the buffer may lie in a field of this one.
 	BMessage read;
-	const bool good = buffer != nullptr && size > 0 &&
-		ReadImage(buffer, static_cast<size_t>(size), read);
+	const bool good =
+		buffer != nullptr && size > 0 && ReadImage(buffer, static_cast<size_t>(size), read);
 	*this = good ? std::move(read) : BMessage();
 	return good ? B_OK : B_BAD_VALUE;
 }

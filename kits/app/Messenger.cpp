@@ -100,8 +100,7 @@ BMessenger::SendMessage(uint32 command, BHandler* replyTo) const
 }
 
 status_t
-BMessenger::SendMessage(
-	BMessage* message, BMessage* reply, bigtime_t, bigtime_t replyTimeout) const
+BMessenger::SendMessage(BMessage* message, BMessage* reply, bigtime_t, bigtime_t replyTimeout) const
 {
 	auto slot = std::make_shared<BPrivate::ReplySlot>();
 	auto copy = std::make_unique<BMessage>(*message);

@@ -22,7 +22,8 @@ public:
 	BMessenger();
 	// Errors, also by *error: B_BAD_VALUE (both null), B_BAD_HANDLER (handler in no looper),
 	// B_MISMATCHED_VALUES (handler in another looper than given).
-	explicit BMessenger(const BHandler* handler, const BLooper* looper = nullptr, status_t* error = nullptr);
+	explicit BMessenger(
+		const BHandler* handler, const BLooper* looper = nullptr, status_t* error = nullptr);
 
 	bool IsValid() const; // the target's looper still exists
 
@@ -32,11 +33,13 @@ public:
 	BHandler* Target(BLooper** looper) const; // null when gone or when the looper itself is meant
 
 	// Asynchronous; a copy travels. B_BAD_PORT_ID when the target is gone or unset.
-	status_t SendMessage(BMessage* message, BHandler* replyTo = nullptr, bigtime_t timeout = B_INFINITE_TIMEOUT) const;
+	status_t SendMessage(BMessage* message, BHandler* replyTo = nullptr,
+		bigtime_t timeout = B_INFINITE_TIMEOUT) const;
 	status_t SendMessage(uint32 command, BHandler* replyTo = nullptr) const;
 
 	// Waits for the answer. B_TIMED_OUT. The caller must not hold the target looper's lock.
-	status_t SendMessage(BMessage* message, BMessage* reply, bigtime_t deliveryTimeout = B_INFINITE_TIMEOUT,
+	status_t SendMessage(BMessage* message, BMessage* reply,
+		bigtime_t deliveryTimeout = B_INFINITE_TIMEOUT,
 		bigtime_t replyTimeout = B_INFINITE_TIMEOUT) const;
 
 	bool operator==(const BMessenger& other) const;

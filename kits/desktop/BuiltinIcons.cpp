@@ -104,8 +104,7 @@ DrawFolder(Sketch& sketch)
 	sketch.Shape(QPolygonF({{1, 2}, {5, 2}, {7, 4}, {15, 4}, {15, 14}, {1, 14}}),
 		QColor(232, 180, 64), line);
 	// The flap in front, lit from the upper left.
-	sketch.Shape(Rectangle(0, 6, 16, 14),
-		Downwards(6, 14, {255, 228, 136}, {244, 192, 76}), line);
+	sketch.Shape(Rectangle(0, 6, 16, 14), Downwards(6, 14, {255, 228, 136}, {244, 192, 76}), line);
 	sketch.Box(pixel, 6 + pixel, 16 - pixel, 6 + 2 * pixel, QColor(255, 246, 204));
 	sketch.Box(pixel, 6 + pixel, 2 * pixel, 14 - pixel, QColor(255, 246, 204));
 }

@@ -26,7 +26,7 @@ struct PictureData {
 	const QImage image; // premultiplied
 
 private:
-	std::mutex fLock; // pictures are shared by threads; guards the fields below
+	std::mutex fLock;                     // pictures are shared by threads; guards the fields below
 	std::function<Picture()> fMakeDouble; // until it is called
 	QImage fDouble;
 	QRect fScaledSource;

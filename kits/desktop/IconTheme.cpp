@@ -80,12 +80,10 @@ LoadPicture(const std::string& path, int32 size)
 	const QImage image = reader.read();
 	if (image.isNull() || image.size() == QSize(size, size))
 		return image;
-	const QImage scaled =
-		image.scaled(size, size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+	const QImage scaled = image.scaled(size, size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 	QImage square(size, size, QImage::Format_ARGB32_Premultiplied);
 	square.fill(Qt::transparent);
-	QPainter(&square).drawImage(
-		(size - scaled.width()) / 2, (size - scaled.height()) / 2, scaled);
+	QPainter(&square).drawImage((size - scaled.width()) / 2, (size - scaled.height()) / 2, scaled);
 	return square;
 }
 
@@ -139,8 +137,8 @@ IconTheme::AddTheme(const std::string& name, std::vector<std::string>& known)
 	const KeyFile file(g_key_file_new());
 	g_key_file_set_list_separator(file.get(), ',');
 	const auto described = std::find_if(fBases.begin(), fBases.end(), [&](const auto& base) {
-		return g_key_file_load_from_file(file.get(), (base + "/" + name + "/index.theme").c_str(),
-			G_KEY_FILE_NONE, nullptr);
+		return g_key_file_load_from_file(
+			file.get(), (base + "/" + name + "/index.theme").c_str(), G_KEY_FILE_NONE, nullptr);
 	});
 	if (described == fBases.end())
 		return;

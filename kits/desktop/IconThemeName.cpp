@@ -63,8 +63,8 @@ FromSettings(const char* schemaName)
 std::string
 FromXfce()
 {
-	std::ifstream file(std::string(g_get_user_config_dir()) +
-		"/xfce4/xfconf/xfce-perchannel-xml/xsettings.xml");
+	std::ifstream file(
+		std::string(g_get_user_config_dir()) + "/xfce4/xfconf/xfce-perchannel-xml/xsettings.xml");
 	const std::string text(std::istreambuf_iterator<char>(file), {});
 	const std::string kValue = "value=\"";
 	size_t at = text.find("\"IconThemeName\"");

@@ -6,6 +6,8 @@
 
 #include "PixelRegionAccess.h"
 
+#include <desktop/GuiThread.h>
+
 namespace desktop {
 
 QImage
@@ -93,6 +95,8 @@ Canvas::DrawPicture(
 		white.high = {255, 255, 255, 255};
 		FillRect(dest, white);
 	}
+	if (!WaitForDesktop()) // a painter asks the application for its font
+		return;
 	QPainter& painter = fData->Painter();
 	if (part.size() == target.size())
 		painter.drawImage(target.topLeft(), picture.fData->image, part);

@@ -22,9 +22,18 @@ namespace {
 // There are a few hundred on a machine, but files may name any in their attributes.
 constexpr size_t kMaxDescriptions = 2000;
 
+// Otherwise GIO finds the folders of the database only when it first looks for a description, and
+// then loads all of it a second time and loses parts of the first.
+void
+FindDatabase()
+{
+	[[maybe_unused]] static const char* const* sFolders = g_content_type_get_mime_dirs();
+}
+
 std::string
 AskForDescription(const std::string& type)
 {
+	FindDatabase();
 	const GText text(g_content_type_get_description(type.c_str()));
 	// Of a type that it does not know GIO says something made of the type's own name.
 	return text && strstr(text.get(), type.c_str()) == nullptr ? text.get() : "";
@@ -34,6 +43,7 @@ AskForDescription(const std::string& type)
 std::vector<std::string>
 IconNames(const std::string& type)
 {
+	FindDatabase();
 	std::vector<std::string> names;
 	const GObjectPtr<GIcon> icon(g_content_type_get_icon(type.c_str()));
 	if (icon && G_IS_THEMED_ICON(icon.get())) {
@@ -102,6 +112,7 @@ TypeByName(const char* name)
 {
 	if (name == nullptr || name[0] == '\0')
 		return {};
+	FindDatabase();
 	const GText type(g_content_type_guess(name, nullptr, 0, nullptr));
 	return g_content_type_is_unknown(type.get()) ? std::string() : type.get();
 }
@@ -109,8 +120,8 @@ TypeByName(const char* name)
 std::string
 TypeByContent(const void* start, size_t length)
 {
-	return GText(
-		g_content_type_guess(nullptr, static_cast<const guchar*>(start), length, nullptr))
+	FindDatabase();
+	return GText(g_content_type_guess(nullptr, static_cast<const guchar*>(start), length, nullptr))
 		.get();
 }
 

@@ -12,6 +12,7 @@
 #include <QTimerEvent>
 
 #include <cstring>
+#include <utility>
 
 namespace desktop {
 
@@ -91,8 +92,13 @@ PeerWindow::ShowFirst(const CanvasData& canvas, QWindow* parent)
 {
 	setTransientParent(parent == nullptr && type() == Qt::Dialog ? WindowBehind() : parent);
 	create();
-	TakePicture(canvas, QRect(0, 0, canvas.width, canvas.height));
+	const QRect all(0, 0, canvas.width, canvas.height);
+	TakePicture(canvas, all);
 	show();
+	// Where programs decorate their windows themselves, Qt makes the decoration when a window is
+	// painted that is shown already.
+	if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+		TakePicture(canvas, all);
 }
 
 QImage*
@@ -111,14 +117,18 @@ PeerWindow::TakePicture(const CanvasData& canvas, const QRegion& region)
 	const QSize size(canvas.width, canvas.height);
 	QRegion part = region & QRect(QPoint(), size);
 	// A picture that is late for another resize must not undo the padding of the newer size.
-	if (fStore.size() != size && (size == this->size() || fStore.size().isEmpty())) {
-		fStore.resize(size);
+	const bool resized = fStore.size() != size && (size == this->size() || fStore.size().isEmpty());
+	if (resized || (canvas.scale != fStoreScale && canvas.scale == devicePixelRatio())) {
+		fStore.resize(size); // in device pixels, also when the logical size is the same
+		fStoreScale = canvas.scale;
 		part = QRect(QPoint(), size);
 	}
 	part &= QRect(QPoint(), fStore.size());
 	if (part.isEmpty())
 		return;
 	fStore.beginPaint(part);
+	if (IsNewStore())
+		part = QRect(QPoint(), fStore.size());
 	CopyPixels(canvas, part);
 	fStore.endPaint();
 	if (size == this->size() && fLatePicture.isActive()) {
@@ -129,11 +139,23 @@ PeerWindow::TakePicture(const CanvasData& canvas, const QRegion& region)
 	}
 }
 
+// Whether the picture that is being painted lost the old one's pixels: on Wayland a decoration that
+// comes or goes needs memory of another size, which Qt leaves empty. Seen by the length of rows.
+bool
+PeerWindow::IsNewStore()
+{
+	const QImage* image = StoreImage();
+	const qsizetype rowLength = image != nullptr ? image->bytesPerLine() : 0;
+	return std::exchange(fStoreRowLength, rowLength) != rowLength;
+}
+
 void
 PeerWindow::CopyPixels(const CanvasData& canvas, const QRegion& region)
 {
 	QImage* target = StoreImage();
-	if (target == nullptr || !HasFullPixels(*target)) {
+	// A window that has just come to another screen may still get a picture for the last one.
+	if (target == nullptr || !HasFullPixels(*target) ||
+		target->devicePixelRatio() != canvas.scale) {
 		QPainter painter(fStore.paintDevice());
 		painter.setCompositionMode(QPainter::CompositionMode_Source);
 		QImage source = canvas.image;

@@ -46,6 +46,7 @@ protected:
 private:
 	QWindow* WindowBehind() const;
 	QImage* StoreImage();
+	bool IsNewStore();
 	void CopyPixels(const CanvasData& canvas, const QRegion& region);
 	void FlushAll();
 	void PadPicture();
@@ -60,6 +61,8 @@ private:
 
 	WindowClient& fClient;
 	QBackingStore fStore;
+	double fStoreScale = 0; // of the store's size
+	qsizetype fStoreRowLength = 0;
 	const bool fResizable;
 	QSize fToldSize;
 	double fToldScale;

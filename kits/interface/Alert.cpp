@@ -201,7 +201,8 @@ BAlert::Wait(const Outcome& outcome)
 		return;
 	}
 	BWindow* window = dynamic_cast<BWindow*>(caller->Looper());
-	while (acquire_sem_etc(outcome.answered, 1, B_RELATIVE_TIMEOUT, kServeInterval) == B_TIMED_OUT) {
+	while (
+		acquire_sem_etc(outcome.answered, 1, B_RELATIVE_TIMEOUT, kServeInterval) == B_TIMED_OUT) {
 		if (window != nullptr) {
 			// The hook may have given the lock to somebody else.
 			if (window->LockWithTimeout(0) == B_OK) {

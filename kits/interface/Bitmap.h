@@ -22,7 +22,8 @@ struct BitmapPixels;
 // Copies share their pixels until one of them is written to.
 class BBitmap {
 public:
-	BBitmap(BRect bounds, color_space space, bool acceptsViews = false, bool needsContiguous = false);
+	BBitmap(
+		BRect bounds, color_space space, bool acceptsViews = false, bool needsContiguous = false);
 	BBitmap(const BBitmap& other);
 	virtual ~BBitmap();
 	BBitmap& operator=(const BBitmap&) = delete;

@@ -41,6 +41,9 @@ public:
 	void SetExpanded(bool expanded) { fExpanded = expanded; }
 	uint32 OutlineLevel() const { return fLevel; }
 
+protected:
+	void SetOutlineLevel(uint32 level) { fLevel = level; }
+
 private:
 	uint32 fLevel;
 	float fHeight = 0;

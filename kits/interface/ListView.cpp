@@ -401,7 +401,9 @@ BListView::TargetedByScrollView(BScrollView* scrollView)
 void
 BListView::Draw(BRect updateRect)
 {
-	// Rows far apart may be damaged and none between them. A frame's edges may round outwards.
+	// Rows far apart may be damaged and none between them. Where the list lies at a fraction, edges
+	// round by up to half a pixel more; whole ones must not reach the next row.
+	constexpr float kRounding = 0.49f;
 	BRegion reached;
 	GetClippingRegion(&reached);
 	int32 row = std::max(RowAt(updateRect.top), 0);
@@ -409,7 +411,7 @@ BListView::Draw(BRect updateRect)
 		BRect frame = ItemFrame(row);
 		if (frame.top > updateRect.bottom)
 			break;
-		if (reached.Intersects(frame.InsetByCopy(-1, -1)))
+		if (reached.Intersects(frame.InsetByCopy(0, -kRounding)))
 			ItemAt(row)->DrawItem(this, frame, false);
 	}
 }

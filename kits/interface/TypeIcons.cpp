@@ -46,8 +46,7 @@ public:
 		// Files are read without the lock; of two threads that do so the first one's bitmap stays.
 		BBitmap made(bitmap->Bounds(), bitmap->ColorSpace());
 		const desktop::IconPixels icon = desktop::LoadTypeIcon(type, size);
-		made.SetBits(
-			icon.pixels.data(), static_cast<int32>(icon.pixels.size() * 4), 0, B_RGBA32);
+		made.SetBits(icon.pixels.data(), static_cast<int32>(icon.pixels.size() * 4), 0, B_RGBA32);
 		desktop::Picture picture = PictureOf(icon);
 		picture.SetDouble(
 			[type, size] { return PictureOf(desktop::LoadTypeIcon(type, size * 2)); });
@@ -76,10 +75,14 @@ ShelfFor(const BBitmap* bitmap, icon_size size)
 		return nullptr;
 	IconShelf* shelves = size == B_MINI_ICON ? sShelves[0] : sShelves[1];
 	switch (bitmap->ColorSpace()) {
-	case B_CMAP8: return &shelves[0];
-	case B_RGB32: return &shelves[1];
-	case B_RGBA32: return &shelves[2];
-	default: return nullptr;
+		case B_CMAP8:
+			return &shelves[0];
+		case B_RGB32:
+			return &shelves[1];
+		case B_RGBA32:
+			return &shelves[2];
+		default:
+			return nullptr;
 	}
 }
 
@@ -88,13 +91,20 @@ const char*
 TypeOfMode(mode_t mode)
 {
 	switch (mode & S_IFMT) {
-	case S_IFDIR: return desktop::kFolderType;
-	case S_IFLNK: return desktop::kLinkType;
-	case S_IFBLK: return "inode/blockdevice";
-	case S_IFCHR: return "inode/chardevice";
-	case S_IFIFO: return "inode/fifo";
-	case S_IFSOCK: return "inode/socket";
-	default: return desktop::kUnknownType;
+		case S_IFDIR:
+			return desktop::kFolderType;
+		case S_IFLNK:
+			return desktop::kLinkType;
+		case S_IFBLK:
+			return "inode/blockdevice";
+		case S_IFCHR:
+			return "inode/chardevice";
+		case S_IFIFO:
+			return "inode/fifo";
+		case S_IFSOCK:
+			return "inode/socket";
+		default:
+			return desktop::kUnknownType;
 	}
 }
 

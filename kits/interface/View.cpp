@@ -35,8 +35,7 @@ BView::State::operator=(const State& other)
 
 BView::BView(BRect frame, const char* name, uint32 resizingMode, uint32 flags) :
 	BHandler(name), fFrame(frame), fResizingMode(resizingMode), fFlags(flags)
-{
-}
+{}
 
 BView::~BView()
 {
@@ -314,70 +313,56 @@ BView::_FrameEvent(uint32 what)
 
 void
 BView::AttachedToWindow()
-{
-}
+{}
 
 void
 BView::AllAttached()
-{
-}
+{}
 
 void
 BView::DetachedFromWindow()
-{
-}
+{}
 
 void
 BView::AllDetached()
-{
-}
+{}
 
 void
 BView::FrameMoved(BPoint)
-{
-}
+{}
 
 void
 BView::FrameResized(float, float)
-{
-}
+{}
 
 void
 BView::Draw(BRect)
-{
-}
+{}
 
 void
 BView::KeyUp(const char*, int32)
-{
-}
+{}
 
 void
 BView::WindowActivated(bool)
-{
-}
+{}
 
 void
 BView::Pulse()
-{
-}
+{}
 
 void
 BView::MouseDown(BPoint)
-{
-}
+{}
 
 void
 BView::MouseUp(BPoint)
-{
-}
+{}
 
 void
 BView::MouseMoved(BPoint, uint32, const BMessage*)
-{
-}
+{}
 
 void
 BView::TargetedByScrollView(BScrollView*)
-{
-}
+{}

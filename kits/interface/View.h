@@ -63,13 +63,13 @@ public:
 	int32 CountChildren() const { return static_cast<int32>(fChildren.size()); }
 	BView* ChildAt(int32 index) const;
 	BView* NextSibling() const;
-	BView* Parent() const; // null for a view directly in a window
-	BView* FindView(const char* name) const;  // this view or one below
+	BView* Parent() const;                   // null for a view directly in a window
+	BView* FindView(const char* name) const; // this view or one below
 	BWindow* Window() const { return fWindow; }
 
-	virtual void AttachedToWindow();    // parent before children
+	virtual void AttachedToWindow(); // parent before children
 	virtual void AllAttached();
-	virtual void DetachedFromWindow();  // Window() still answers
+	virtual void DetachedFromWindow(); // Window() still answers
 	virtual void AllDetached();
 
 	// Frame, in the parent's coordinates; Bounds' left top is the scroll offset.
@@ -82,7 +82,7 @@ public:
 	void ResizeBy(float dx, float dy);
 	virtual void GetPreferredSize(float* width, float* height);
 	virtual void ResizeToPreferred();
-	virtual void FrameMoved(BPoint newLeftTop);          // with B_FRAME_EVENTS, as a message of its own
+	virtual void FrameMoved(BPoint newLeftTop); // with B_FRAME_EVENTS, as a message of its own
 	virtual void FrameResized(float width, float height); // likewise
 	uint32 Flags() const { return fFlags; }
 	bool IsHidden() const;
@@ -147,7 +147,10 @@ public:
 	void DrawBitmap(const BBitmap* bitmap, BRect source, BRect dest); // scaled when sizes differ
 	void DrawBitmapAsync(const BBitmap* bitmap, BPoint leftTop) { DrawBitmap(bitmap, leftTop); }
 	void DrawBitmapAsync(const BBitmap* bitmap, BRect dest) { DrawBitmap(bitmap, dest); }
-	void DrawBitmapAsync(const BBitmap* bitmap, BRect source, BRect dest) { DrawBitmap(bitmap, source, dest); }
+	void DrawBitmapAsync(const BBitmap* bitmap, BRect source, BRect dest)
+	{
+		DrawBitmap(bitmap, source, dest);
+	}
 	// Moves pixels; where the source was hidden or damaged the destination becomes damage.
 	void CopyBits(BRect source, BRect dest);
 
@@ -160,7 +163,10 @@ public:
 	void GetFont(BFont* font) const { *font = fState.font; }
 	void GetFontHeight(font_height* height) const { fState.font.GetHeight(height); }
 	float StringWidth(const char* text) const { return fState.font.StringWidth(text); }
-	float StringWidth(const char* text, int32 length) const { return fState.font.StringWidth(text, length); }
+	float StringWidth(const char* text, int32 length) const
+	{
+		return fState.font.StringWidth(text, length);
+	}
 
 	// Focus and keys.
 	virtual void MakeFocus(bool focus = true);

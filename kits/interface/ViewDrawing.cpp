@@ -260,7 +260,8 @@ BView::DrawString(const char* text, int32 length, BPoint baselineLeft)
 	Painter paint(this);
 	if (!paint)
 		return;
-	desktop::FontSpec font{static_cast<desktop::FontFace>(fState.font.FontFace()), fState.font.Size()};
+	desktop::FontSpec font{
+		static_cast<desktop::FontFace>(fState.font.FontFace()), fState.font.Size()};
 	int32 baseline = paint.Y(baselineLeft.y);
 	paint->DrawText(paint.ExactX(baselineLeft.x), baseline, text, length, font, paint.Ink());
 	// Glyphs may reach beyond the line's box a little.
@@ -273,7 +274,8 @@ void
 BView::DrawBitmap(const BBitmap* bitmap, BPoint leftTop)
 {
 	if (bitmap != nullptr)
-		DrawBitmap(bitmap, bitmap->Bounds(), bitmap->Bounds().OffsetByCopy(leftTop - bitmap->Bounds().LeftTop()));
+		DrawBitmap(bitmap, bitmap->Bounds(),
+			bitmap->Bounds().OffsetByCopy(leftTop - bitmap->Bounds().LeftTop()));
 }
 
 void
@@ -290,7 +292,8 @@ BView::DrawBitmap(const BBitmap* bitmap, BRect source, BRect dest)
 	if (!paint || bitmap == nullptr || !bitmap->IsValid() || !source.IsValid() || !dest.IsValid())
 		return;
 	source.OffsetBy(-bitmap->Bounds().left, -bitmap->Bounds().top);
-	paint->DrawPicture(bitmap->Picture(), BPrivate::ToPixels(source), paint.Rect(dest), fState.mode);
+	paint->DrawPicture(
+		bitmap->Picture(), BPrivate::ToPixels(source), paint.Rect(dest), fState.mode);
 	paint.Drawn(paint.Rect(dest));
 }
 

@@ -168,7 +168,8 @@ BView::_LayoutChanged(const PixelRegion& old, bool moved)
 bool
 BView::IsHidden() const
 {
-	return fHidden > 0 || (fParent != nullptr ? fParent->IsHidden() : fWindow == nullptr || fWindow->IsHidden());
+	return fHidden > 0 ||
+		(fParent != nullptr ? fParent->IsHidden() : fWindow == nullptr || fWindow->IsHidden());
 }
 
 void

@@ -122,8 +122,8 @@ BView::_ShiftPixels(const PixelRegion& dest, int32 dx, int32 dy)
 void
 BView::CopyBits(BRect source, BRect dest)
 {
-	if (fWindow == nullptr || fWindow->fSurface->Canvas() == nullptr || !source.IsValid()
-		|| !dest.IsValid())
+	if (fWindow == nullptr || fWindow->fSurface->Canvas() == nullptr || !source.IsValid() ||
+		!dest.IsValid())
 		return;
 	if (source.Width() != dest.Width() || source.Height() != dest.Height()) {
 		Invalidate(dest);
@@ -134,8 +134,8 @@ BView::CopyBits(BRect source, BRect dest)
 	auto pixel = [](double value) { return BPrivate::RoundToPixel(value); };
 	PixelRect from{pixel(source.left + x), pixel(source.top + y), pixel(source.right + x),
 		pixel(source.bottom + y)};
-	PixelRect to{pixel(dest.left + x), pixel(dest.top + y), pixel(dest.right + x),
-		pixel(dest.bottom + y)};
+	PixelRect to{
+		pixel(dest.left + x), pixel(dest.top + y), pixel(dest.right + x), pixel(dest.bottom + y)};
 	PixelRegion reached(to);
 	reached.IntersectWith(_DrawableRegion());
 	if (fState.clip)

@@ -33,8 +33,12 @@ FramePixels(const BRect& frame)
 } // namespace
 
 BWindow::BWindow(BRect frame, const char* title, window_type type, uint32 flags, uint32) :
-	BLooper(title, B_DISPLAY_PRIORITY), fFrame(frame), fTitle(title != nullptr ? title : ""),
-	fType(type), fFlags(flags), fEvents(std::make_unique<BPrivate::WindowEvents>(_Core())),
+	BLooper(title, B_DISPLAY_PRIORITY),
+	fFrame(frame),
+	fTitle(title != nullptr ? title : ""),
+	fType(type),
+	fFlags(flags),
+	fEvents(std::make_unique<BPrivate::WindowEvents>(_Core())),
 	fSurface(std::make_unique<BPrivate::WindowSurface>()),
 	fTop(std::make_unique<BView>(Bounds(), nullptr, B_FOLLOW_ALL_SIDES, 0))
 {
@@ -114,8 +118,8 @@ BWindow::_Realize()
 		return;
 	if (!fSurface->IsOpen()) {
 		desktop::NativeWindow::Options options;
-		options.kind = fType == B_MODAL_WINDOW ? desktop::WindowKind::kDialog
-											   : desktop::WindowKind::kTitled;
+		options.kind =
+			fType == B_MODAL_WINDOW ? desktop::WindowKind::kDialog : desktop::WindowKind::kTitled;
 		options.movable = (fFlags & B_NOT_MOVABLE) == 0;
 		options.resizable = (fFlags & B_NOT_RESIZABLE) == 0;
 		options.closable = (fFlags & B_NOT_CLOSABLE) == 0;
@@ -368,8 +372,8 @@ BWindow::_AfterMessage()
 		fNextPulse = now + fPulseRate; // those that were missed are not made up for
 		PostMessage(B_PULSE);
 	}
-	if (fSurface->Deadline() != B_INFINITE_TIMEOUT
-		&& (now >= fSurface->Deadline() || _Core().QueueIsEmpty()))
+	if (fSurface->Deadline() != B_INFINITE_TIMEOUT &&
+		(now >= fSurface->Deadline() || _Core().QueueIsEmpty()))
 		UpdateIfNeeded();
 }
 
@@ -397,9 +401,9 @@ BWindow::_OwnMessage(BMessage* message)
 		case B_WINDOW_RESIZED: {
 			int32 columns = 0, rows = 0;
 			double scale = 0;
-			if (fSurface->IsOpen() && message->FindInt32("columns", &columns) == B_OK
-				&& message->FindInt32("rows", &rows) == B_OK
-				&& message->FindDouble("scale", &scale) == B_OK)
+			if (fSurface->IsOpen() && message->FindInt32("columns", &columns) == B_OK &&
+				message->FindInt32("rows", &rows) == B_OK &&
+				message->FindDouble("scale", &scale) == B_OK)
 				_SetSize(columns, rows, scale);
 			return true;
 		}
@@ -423,15 +427,12 @@ BWindow::MessageReceived(BMessage* message)
 
 void
 BWindow::FrameMoved(BPoint)
-{
-}
+{}
 
 void
 BWindow::FrameResized(float, float)
-{
-}
+{}
 
 void
 BWindow::WindowActivated(bool)
-{
-}
+{}

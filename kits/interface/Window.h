@@ -29,7 +29,8 @@ class WindowSurface;
 class BWindow : public BLooper {
 public:
 	// `frame` is the content on the screen; decorations lie outside.
-	BWindow(BRect frame, const char* title, window_type type, uint32 flags, uint32 workspaces = B_CURRENT_WORKSPACE);
+	BWindow(BRect frame, const char* title, window_type type, uint32 flags,
+		uint32 workspaces = B_CURRENT_WORKSPACE);
 
 	thread_id Run() override;
 	void Quit() override; // needs the lock; deletes views and window
@@ -67,7 +68,7 @@ public:
 
 	void Flush(); // shows what was drawn so far
 	void Sync();
-	void UpdateIfNeeded(); // draws all damage and shows it, now
+	void UpdateIfNeeded();             // draws all damage and shows it, now
 	void SetPulseRate(bigtime_t rate); // microseconds; 0 stops
 	bigtime_t PulseRate() const { return fPulseRate; }
 
@@ -100,7 +101,7 @@ private:
 		int32 minWidth, maxWidth, minHeight, maxHeight;
 	};
 
-	void _Realize();       // makes the desktop's window and shows it
+	void _Realize(); // makes the desktop's window and shows it
 	void _ApplySizeLimits();
 	void _SetSize(int32 columns, int32 rows, double scale);
 	bool _OwnMessage(BMessage* message);
@@ -137,7 +138,7 @@ private:
 
 	std::unique_ptr<BPrivate::WindowEvents> fEvents;   // hears the desktop's window: outlives it
 	std::unique_ptr<BPrivate::WindowSurface> fSurface; // the picture, and the desktop's window
-	std::unique_ptr<BView> fTop; // covers the window and holds its children
+	std::unique_ptr<BView> fTop;                       // covers the window and holds its children
 	BView* fFocus = nullptr;
 	BView* fMouseView = nullptr;   // under the pointer at the last move
 	BView* fCaptureView = nullptr; // asked for all mouse events until the release

@@ -45,7 +45,7 @@ WindowEvents::WindowMouse(const desktop::MouseEvent& event)
 {
 	using Kind = desktop::MouseEvent;
 	uint32 what = event.kind == Kind::kDown ? B_MOUSE_DOWN
-		: event.kind == Kind::kUp			? B_MOUSE_UP
+		: event.kind == Kind::kUp           ? B_MOUSE_UP
 											: B_MOUSE_MOVED;
 	auto message = std::make_unique<BMessage>(what);
 	message->AddInt64("when", event.when);

@@ -21,8 +21,8 @@ namespace {
 bool
 IsMouse(const BMessage& message)
 {
-	return message.what == B_MOUSE_DOWN || message.what == B_MOUSE_UP
-		|| message.what == B_MOUSE_MOVED;
+	return message.what == B_MOUSE_DOWN || message.what == B_MOUSE_UP ||
+		message.what == B_MOUSE_MOVED;
 }
 
 BPoint
@@ -121,8 +121,8 @@ BWindow::_RetargetMouse(BMessage* message)
 		_Core().Visit([&](const BMessage& next) {
 			if (!IsMouse(next))
 				return false;
-			overtaken = next.what == B_MOUSE_MOVED && !next.HasBool("left")
-				&& FindView(WhereOf(next)) == view;
+			overtaken = next.what == B_MOUSE_MOVED && !next.HasBool("left") &&
+				FindView(WhereOf(next)) == view;
 			return true;
 		});
 		if (overtaken)
@@ -255,8 +255,8 @@ BWindow::_KeyDown(BMessage* message, BView* target)
 	const char* bytes = nullptr;
 	if (message->FindString("bytes", &bytes) != B_OK || bytes[0] == '\0')
 		return;
-	if (bytes[0] == B_ENTER && bytes[1] == '\0' && fDefaultButton != nullptr
-		&& fDefaultButton->IsEnabled()) {
+	if (bytes[0] == B_ENTER && bytes[1] == '\0' && fDefaultButton != nullptr &&
+		fDefaultButton->IsEnabled()) {
 		fDefaultButton->Invoke();
 		return;
 	}
@@ -274,8 +274,8 @@ BWindow::_TakeShortcut(BMessage* message, BHandler* target)
 {
 	uint32 held = static_cast<uint32>(Int32Of(*message, "modifiers"));
 	const char* bytes = nullptr;
-	if ((held & (B_COMMAND_KEY | B_CONTROL_KEY)) == 0
-		|| message->FindString("bytes", &bytes) != B_OK || bytes[0] == '\0')
+	if ((held & (B_COMMAND_KEY | B_CONTROL_KEY)) == 0 ||
+		message->FindString("bytes", &bytes) != B_OK || bytes[0] == '\0')
 		return target;
 	uint32 key = static_cast<uint32>(Int32Of(*message, "raw_char"));
 	if (key >= 'A' && key <= 'Z')

@@ -19,8 +19,8 @@ namespace BPrivate {
 class WindowSurface {
 public:
 	// Makes the desktop's window, hidden; waits for the desktop.
-	void Open(desktop::WindowClient& client, const desktop::PixelRect& frame, const std::string& title,
-		const desktop::NativeWindow::Options& options);
+	void Open(desktop::WindowClient& client, const desktop::PixelRect& frame,
+		const std::string& title, const desktop::NativeWindow::Options& options);
 	void Close();
 	bool IsOpen() const { return fNative != nullptr; }
 	desktop::NativeWindow* Native() { return fNative.get(); }

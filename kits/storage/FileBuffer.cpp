@@ -123,6 +123,8 @@ FileBuffer::Write(const void* buffer, size_t size)
 		return B_FILE_ERROR;
 	if (fFirstError != B_OK)
 		return fFirstError;
+	if (size == 0)
+		return 0;
 	size = std::min<size_t>(size, std::numeric_limits<ssize_t>::max());
 	const char* from = static_cast<const char*>(buffer);
 	if (!fIsRegular)

@@ -8,8 +8,11 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <optional>
+#include <sys/file.h>
 #include <sys/random.h>
 #include <sys/stat.h>
+#include <utility>
 
 namespace BPrivate {
 
@@ -127,17 +130,52 @@ MoveByLink(const EntryPlace& from, const EntryPlace& to, const struct stat& node
 	return error;
 }
 
-// The last resort for such: an empty file reserves the name and is then replaced in one step.
+// Keeps other programs that move as we do out of a folder, if it may be read.
+class FolderLock {
+public:
+	explicit FolderLock(int folder) :
+		fFolder(Retry([&] { return openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); }))
+	{
+		if (fFolder.IsOpen())
+			Retry([&] { return flock(fFolder.Get(), LOCK_EX); });
+	}
+
+private:
+	FileDescriptor fFolder;
+};
+
+// An empty file reserves the name and is then replaced in one step. With both folders locked: a
+// reservation that another program took for the file itself and moved on would leave the name
+// open to a third, whose file the step would replace.
+int
+ReserveAndRename(const EntryPlace& from, const EntryPlace& to, FileDescriptor* reserved)
+{
+	struct stat source;
+	struct stat target;
+	if (fstat(from.folder, &source) != 0 || fstat(to.folder, &target) != 0)
+		return errno;
+	// In one order for all, so that no two programs wait for each other.
+	bool isTargetFirst =
+		std::pair(target.st_dev, target.st_ino) < std::pair(source.st_dev, source.st_ino);
+	FolderLock first(isTargetFirst ? to.folder : from.folder);
+	std::optional<FolderLock> second;
+	if (!IsSame(source, target))
+		second.emplace(isTargetFirst ? from.folder : to.folder);
+
+	*reserved = FileDescriptor(Retry(
+		[&] { return openat(to.folder, to.name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600); }));
+	return reserved->IsOpen() ? Rename(from, to, 0) : errno;
+}
+
+// The last resort for such.
 int
 MoveByReserving(const EntryPlace& from, const EntryPlace& to)
 {
-	FileDescriptor reserved(Retry(
-		[&] { return openat(to.folder, to.name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600); }));
-	if (!reserved.IsOpen())
-		return errno;
-	int error = Rename(from, to, 0);
+	FileDescriptor reserved;
+	int error = ReserveAndRename(from, to, &reserved);
 	struct stat status;
-	if (error != 0 && fstat(reserved.Get(), &status) == 0 && status.st_size == 0)
+	if (error != 0 && reserved.IsOpen() && fstat(reserved.Get(), &status) == 0 &&
+		status.st_size == 0)
 		RemoveName(to, status);
 	return error;
 }

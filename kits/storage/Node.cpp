@@ -227,7 +227,7 @@ BNode::ReadAttr(const char* name, uint32, off_t offset, void* buffer, size_t len
 	}
 	std::string value;
 	ssize_t size = ReadValue(names.Value(), &value);
-	if (size <= offset)
+	if (size <= offset || length == 0)
 		return size < 0 ? size : 0;
 	length = std::min<size_t>(length, size - offset);
 	memcpy(buffer, value.data() + offset, length);

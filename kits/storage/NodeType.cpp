@@ -122,11 +122,7 @@ NodeType::TypeOfContent() const
 	ssize_t length = Retry([&] { return pread(file.Get(), start, sizeof(start), 0); });
 	if (length < 0)
 		return desktop::kUnknownType;
-	std::string type = desktop::TypeByContent(start, static_cast<size_t>(length));
-	// Programs are linked like libraries nowadays, and their first bytes do not tell them apart.
-	if (type == "application/x-sharedlib" && (fMode & 0111) != 0)
-		return "application/x-executable";
-	return type;
+	return desktop::TypeByContent(start, static_cast<size_t>(length));
 }
 
 } // namespace BPrivate

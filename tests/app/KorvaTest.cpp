@@ -6,8 +6,8 @@
 #include "app/Messages.h"
 
 #include <app/MessageFilter.h>
-#include <interface/ListView.h>
 #include <interface/ListItem.h>
+#include <interface/ListView.h>
 
 #include "tests/support/Inject.h"
 #include "tests/support/TempTree.h"
@@ -37,8 +37,7 @@ class Watch : public BMessageFilter {
 public:
 	Watch(const char* name, Notes* notes) :
 		BMessageFilter(B_ANY_DELIVERY, B_ANY_SOURCE), fName(name), fNotes(notes)
-	{
-	}
+	{}
 	filter_result Filter(BMessage* message, BHandler**) override
 	{
 		for (uint32 code : {uint32(kMSG_SetFolder), uint32(B_PASTE), uint32(B_SELECT_ALL)}) {

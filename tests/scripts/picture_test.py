@@ -11,7 +11,8 @@ import time
 import unittest
 
 PICTURE = os.path.join(os.path.dirname(__file__), "..", "..", "scripts", "picture")
-KORVA = os.environ.get("KORVA", "build/check/release/korva")
+KORVA = os.environ.get("KORVA", os.path.join(os.path.dirname(os.path.abspath(__file__)),
+                                             "../../build/check/release/korva"))
 PATIENCE = 60  # seconds
 
 

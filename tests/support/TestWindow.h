@@ -32,8 +32,7 @@ public:
 	TestWindow(float columns, float rows, uint32 flags = 0) :
 		BWindow(BRect(100, 100, 100 + columns - 1, 100 + rows - 1), NextTitle().c_str(),
 			B_TITLED_WINDOW, flags)
-	{
-	}
+	{}
 
 	void MessageReceived(BMessage* message) override
 	{
@@ -91,9 +90,9 @@ template <typename Window = TestWindow>
 class Shown {
 public:
 	template <typename... Arguments>
-	explicit Shown(Arguments&&... arguments) : fWindow(new Window(std::forward<Arguments>(arguments)...))
-	{
-	}
+	explicit Shown(Arguments&&... arguments) :
+		fWindow(new Window(std::forward<Arguments>(arguments)...))
+	{}
 	~Shown() { fWindow->QuitNow(); }
 	Shown(const Shown&) = delete;
 	Shown& operator=(const Shown&) = delete;

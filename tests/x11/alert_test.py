@@ -2,13 +2,11 @@
 
 # The About alert, which waits for an answer while the window behind it stays alive.
 
-import os
 import signal
 import unittest
 
-from desktop import FRAME, X11Test, wait_until
+from desktop import ABOUT, X11Test, wait_until
 
-ABOUT = os.environ.get("KORVA_ABOUT", "build/check/tests/about_program")
 WHITE = (255, 255, 255)
 
 

@@ -2,12 +2,9 @@
 
 # A display server that goes away: nothing can be shown any more, so the program ends.
 
-import os
 import unittest
 
-from desktop import KORVA, Display, Program
-
-ABOUT = os.environ.get("KORVA_ABOUT", "build/check/tests/about_program")
+from desktop import ABOUT, KORVA, Display, Program
 
 
 class LostDisplay(unittest.TestCase):

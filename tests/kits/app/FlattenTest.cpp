@@ -10,8 +10,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <random>
 #include <string>
 
@@ -170,8 +172,8 @@ Sealed(const std::vector<uint32>& numbers, const std::string& rest = {})
 {
 	std::vector<char> image(sizeof(BPrivate::ImageHead));
 	auto bytes = reinterpret_cast<const char*>(numbers.data());
-	image.insert(image.end(), bytes, bytes + numbers.size() * sizeof(uint32));
-	image.insert(image.end(), rest.begin(), rest.end());
+	std::copy_n(bytes, numbers.size() * sizeof(uint32), std::back_inserter(image));
+	std::copy(rest.begin(), rest.end(), std::back_inserter(image));
 	BPrivate::SealImage(image.data(), image.size());
 	return image;
 }
@@ -256,6 +258,7 @@ TEST(Flatten, NestsToItsLimitAndNoDeeper)
 
 	// Each holds the one before twice: small in memory, endless as bytes.
 	BMessage doubled('doub');
+	doubled.AddString("text", std::string(1 << 20, 'x').c_str());
 	for (int i = 0; i < kMostNested - 2; i++) {
 		BMessage next('doub');
 		next.AddMessage("half", &doubled);

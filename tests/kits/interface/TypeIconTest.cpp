@@ -155,9 +155,9 @@ TEST(TypeIcon, NodesShowWhatTheyAre)
 
 	// They also look different.
 	std::set<std::string> looks;
-	for (const char* name : {"folder", "link", "a.txt", "c.png", "d.mp3", "e.mp4", "f.zip", "noise"})
-		looks.emplace(
-			static_cast<const char*>(IconOf(tree.Ref(name))), B_MINI_ICON * B_MINI_ICON);
+	for (const char* name :
+		{"folder", "link", "a.txt", "c.png", "d.mp3", "e.mp4", "f.zip", "noise"})
+		looks.emplace(static_cast<const char*>(IconOf(tree.Ref(name))), B_MINI_ICON * B_MINI_ICON);
 	EXPECT_EQ(looks.size(), 8u);
 
 	// The same by an open node.

@@ -23,8 +23,7 @@ public:
 	using Drawer = std::function<void(BView*, BRect)>;
 	DrawnView(BRect frame, Drawer drawer, uint32 flags = B_WILL_DRAW) :
 		BView(frame, nullptr, B_FOLLOW_NONE, flags), fDrawer(std::move(drawer))
-	{
-	}
+	{}
 	void Draw(BRect update) override
 	{
 		draws++;

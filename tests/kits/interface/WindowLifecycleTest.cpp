@@ -376,7 +376,8 @@ TEST(WindowLifecycle, AnApplicationNeedNotWaitForAWindowThatWasNeverShown)
 TEST(WindowLifecycle, AWindowInAHookMayLockTheApplicationThatWantsToAskIt)
 {
 	static std::atomic<bool> asking;
-	asking = false;
+	static std::atomic<bool> inHook;
+	asking = inHook = false;
 	class Asking : public BApplication {
 	public:
 		Asking() : BApplication("application/x-asking") {}
@@ -391,6 +392,7 @@ TEST(WindowLifecycle, AWindowInAHookMayLockTheApplicationThatWantsToAskIt)
 		Locking() : TestWindow(50, 50) {}
 		void MessageReceived(BMessage*) override
 		{
+			inHook = true;
 			EXPECT_TRUE(WaitUntil([] { return asking.load(); }));
 			EXPECT_TRUE(be_app->Lock());
 			be_app->Unlock();
@@ -400,6 +402,7 @@ TEST(WindowLifecycle, AWindowInAHookMayLockTheApplicationThatWantsToAskIt)
 	Locking* window = new Locking;
 	window->PostMessage('lock');
 	window->Show();
+	EXPECT_TRUE(WaitUntil([] { return inHook.load(); }));
 	application.PostMessage(B_QUIT_REQUESTED);
 	application.Run();
 	EXPECT_TRUE(asking);

@@ -30,6 +30,8 @@ struct Model {
 	}
 	void Write(const std::string& part)
 	{
+		if (part.empty())
+			return;
 		if (appends)
 			position = bytes.size();
 		WriteAt(position, part);

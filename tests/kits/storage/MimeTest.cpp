@@ -9,9 +9,9 @@
 TEST(MimeType, NamesAreChecked)
 {
 	const std::string longest = "text/" + std::string(B_MIME_TYPE_LENGTH - 6, 'x');
-	for (const std::string& good :
-		{std::string("text/plain"), std::string("text"), std::string("application/x-vnd.Be-symlink"),
-			std::string("image/svg+xml"), std::string("x/\xc3\xa4"), longest}) {
+	for (const std::string& good : {std::string("text/plain"), std::string("text"),
+			 std::string("application/x-vnd.Be-symlink"), std::string("image/svg+xml"),
+			 std::string("x/\xc3\xa4"), longest}) {
 		BMimeType type(good.c_str());
 		EXPECT_EQ(type.InitCheck(), B_OK) << good;
 		EXPECT_STREQ(type.Type(), good.c_str());

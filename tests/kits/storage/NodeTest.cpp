@@ -206,7 +206,7 @@ TEST(Attributes, AreNotForAllFilesAndFileSystems)
 		}
 		EXPECT_EQ(AttrNames(node), Names({}));
 	}
-	BNode node("/proc/self/status");
+	BNode node("/proc/self/comm");
 	char buffer[16];
 	EXPECT_EQ(node.ReadAttr("a", B_RAW_TYPE, 0, buffer, sizeof(buffer)), B_UNSUPPORTED);
 	EXPECT_EQ(Write(node, "a", "1"), B_UNSUPPORTED);

@@ -1,0 +1,336 @@
+// SPDX-License-Identifier: MIT
+
+// Column lists in windows: a user in front, and what is shown.
+
+#include "tests/clv/TestList.h"
+#include "tests/support/ListenedWindow.h"
+#include "tests/support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace {
+
+constexpr uint32 kRed = 0xffe50000;
+constexpr float kHeaderY = 8;
+using Numbers = std::vector<int32>;
+
+// A list of 300 by 200 pixels that fills its window.
+struct ListWindow {
+	explicit ListWindow(bool hierarchical) :
+		list(new TestList(hierarchical)), window(314, 214, list->container)
+	{}
+	~ListWindow()
+	{
+		// Rows belong to the list object and go with it.
+		window.Under([&] {
+			list->MakeEmpty();
+			return 0;
+		});
+	}
+
+	template <typename Function>
+	auto Under(Function function)
+	{
+		window.Settle();
+		return window.Under(function);
+	}
+	InjectedUser& User() { return window.User(); }
+	template <typename Condition>
+	bool Becomes(Condition condition)
+	{
+		return WaitUntil([&] { return window.Under(condition); });
+	}
+	std::vector<uint32> Pixels()
+	{
+		window.Settle();
+		return window->Snapshot().pixels;
+	}
+	// What is shown is what a complete redraw would show.
+	bool IsDrawnRight()
+	{
+		const std::vector<uint32> now = Pixels();
+		Under([&] {
+			list->Invalidate();
+			list->container->ChildAt(2)->Invalidate();
+			return 0;
+		});
+		return now == Pixels();
+	}
+	float RowY(int32 row) { return list->Frame().top + 20 * static_cast<float>(row) + 10; }
+	int32 RedIn(float left, float right)
+	{
+		window.Settle();
+		const InjectedUser::Picture picture = window->Snapshot();
+		int32 count = 0;
+		for (int32 x = static_cast<int32>(left); x <= static_cast<int32>(right); x++) {
+			for (int32 y = 0; y < 14; y++)
+				count += picture.At(x, y) == kRed;
+		}
+		return count;
+	}
+
+	TestList* list;
+	ListenedWindow window;
+};
+
+// Columns at 0-100, 101-151, 152-212.
+void
+FillContents(ListWindow& it)
+{
+	it.Under([&] {
+		TestList* list = it.list;
+		list->SetSortFunction(CompareKeys);
+		list->NewColumn(CLV_COLUMN_SORTABLE, 100, "Name");
+		list->NewColumn(CLV_COLUMN_SORTABLE, 50, "Size");
+		list->NewColumn(CLV_COLUMN_NOT_MOVABLE | CLV_COLUMN_SORTABLE, 60, "Kind");
+		for (const int key : {3, 1, 2})
+			list->AddItem(list->NewRow(key, 9 - key));
+		return 0;
+	});
+	it.window.Settle();
+}
+
+std::vector<int32>
+KeysOf(const ColumnListView* list)
+{
+	int32 keys[8];
+	CLVSortMode modes[8];
+	const int32 count = list->Sorting(keys, modes);
+	return std::vector<int32>(keys, keys + count);
+}
+
+} // namespace
+
+TEST(ColumnListWindow, ClicksOnLabelsSort)
+{
+	ListWindow it(false);
+	FillContents(it);
+	it.User().Click(30, kHeaderY); // as quick as can be
+	EXPECT_TRUE(it.Becomes([&] { return it.list->Shown() == std::vector<int>{1, 2, 3}; }));
+	it.User().Click(120, kHeaderY, B_PRIMARY_MOUSE_BUTTON, B_SHIFT_KEY);
+	it.User().Press(30, kHeaderY, B_SECONDARY_MOUSE_BUTTON);
+	it.User().Release(30, kHeaderY, B_SECONDARY_MOUSE_BUTTON);
+	const bool added = it.Becomes([&] { return !KeysOf(it.list).empty(); });
+	EXPECT_TRUE(added);
+	// Within two pixels it is still a click; meanwhile the label is red.
+	it.User().Press(30, kHeaderY);
+	EXPECT_TRUE(WaitUntil([&] { return it.RedIn(0, 100) > 0; }));
+	EXPECT_EQ(it.RedIn(101, 212), 0);
+	it.User().Move(32, kHeaderY);
+	it.User().Release(32, kHeaderY);
+	EXPECT_TRUE(it.Becomes([&] { return it.list->Shown() == std::vector<int>{3, 2, 1}; }));
+	EXPECT_TRUE(WaitUntil([&] { return it.RedIn(0, 313) == 0; }));
+	EXPECT_TRUE(it.IsDrawnRight());
+}
+
+TEST(ColumnListWindow, DraggedEdgesResizeAndWhatIsShownStaysRight)
+{
+	ListWindow it(false);
+	FillContents(it);
+	CLVColumn* name = it.list->ColumnAt(0);
+	const auto drag = [&](float from, float to) {
+		it.User().Press(from, kHeaderY);
+		const float width = name->Width() + to - from;
+		EXPECT_TRUE(WaitUntil([&] { // the watcher's first look may come late
+			it.User().Move(to + 1, kHeaderY);
+			it.User().Move(to, kHeaderY);
+			return it.Under([&] { return name->Width() == width; });
+		}));
+		EXPECT_EQ(it.RedIn(width, width), 14);
+		EXPECT_TRUE(it.IsDrawnRight());
+		it.User().Release(to, kHeaderY);
+		EXPECT_TRUE(WaitUntil([&] { return it.RedIn(0, 313) == 0; }));
+		EXPECT_TRUE(it.IsDrawnRight());
+	};
+	drag(99, 140);
+	drag(143, 60); // two pixels into the next column
+	EXPECT_EQ(it.Under([&] { return it.list->Order(); }), (Numbers{0, 1, 2}));
+	EXPECT_TRUE(it.Under([&] { return KeysOf(it.list); }).empty());
+	// By the program too, with the list scrolled; hidden and shown.
+	for (const float width : {500.0f, 430.0f, 520.0f, 20.0f}) {
+		it.Under([&] {
+			name->SetWidth(width);
+			it.list->ScrollTo(150, 0);
+			return 0;
+		});
+		EXPECT_TRUE(it.IsDrawnRight()) << width;
+	}
+	for (const bool shown : {false, true}) {
+		it.Under([&] {
+			name->SetShown(shown);
+			return 0;
+		});
+		EXPECT_TRUE(it.IsDrawnRight());
+		EXPECT_EQ(it.list->ColumnAt(1)->Begin(), shown ? 21 : 0);
+	}
+}
+
+TEST(ColumnListWindow, DraggedLabelsMoveTheirColumns)
+{
+	ListWindow it(false);
+	FillContents(it);
+	it.User().Press(30, kHeaderY);
+	EXPECT_TRUE(WaitUntil([&] {
+		it.User().Move(200, kHeaderY);
+		it.User().Move(190, kHeaderY);
+		return it.Under([&] { return it.list->Order(); }) == Numbers{1, 2, 0};
+	}));
+	// The outline keeps the pointer's place in the label, and stops at the group's own place
+	// where it can go no further.
+	EXPECT_TRUE(WaitUntil([&] {
+		it.User().Move(170, kHeaderY);
+		return it.RedIn(112, 112) >= 14 || it.RedIn(140, 140) >= 14;
+	}));
+	EXPECT_TRUE(it.IsDrawnRight());
+	it.User().Release(170, kHeaderY);
+	EXPECT_TRUE(WaitUntil([&] { return it.RedIn(0, 313) == 0; }));
+	EXPECT_TRUE(it.Under([&] { return KeysOf(it.list); }).empty());
+	EXPECT_GT(it.Under([&] { return it.list->orders; }), 0);
+
+	// One that may not move: the gesture ends, and the release does not sort.
+	const Numbers order = it.Under([&] { return it.list->Order(); });
+	const float x = it.Under([&] { return it.list->ColumnAt(2)->Begin() + 20; });
+	it.User().Press(x, kHeaderY);
+	ASSERT_TRUE(WaitUntil([&] { return it.RedIn(0, 313) > 0; }));
+	EXPECT_TRUE(WaitUntil([&] {
+		it.User().Move(x + 10, kHeaderY);
+		it.User().Move(x + 20, kHeaderY);
+		return it.RedIn(0, 313) == 0;
+	}));
+	it.User().Release(x + 20, kHeaderY);
+	EXPECT_TRUE(WaitUntil([] { return find_thread("MouseWatcher") == B_NAME_NOT_FOUND; }));
+	EXPECT_EQ(it.Under([&] { return it.list->Order(); }), order);
+	EXPECT_TRUE(it.Under([&] { return KeysOf(it.list); }).empty());
+}
+
+TEST(ColumnListWindow, ArrowsOpenAndCloseRowsWithoutSelecting)
+{
+	ListWindow it(true);
+	it.Under([&] {
+		TestList* list = it.list;
+		list->NewColumn(CLV_COLUMN_EXPANDER);
+		list->NewColumn(0, 120);
+		list->AddItem(list->NewRow(1));
+		list->AddUnder(list->NewRow(2), list->FullListItemAt(0));
+		list->AddUnder(list->NewRow(3), list->FullListItemAt(1));
+		for (int32 i = 0; i < 2; i++)
+			list->FullListItemAt(i)->SetSuperItem(true);
+		list->AddItem(list->NewRow(4));
+		return 0;
+	});
+	const auto shown = [&] { return it.Under([&] { return it.list->Shown(); }); };
+	it.User().Click(12, it.RowY(0));
+	EXPECT_EQ(shown(), (std::vector<int>{1, 2, 4}));
+	EXPECT_TRUE(it.IsDrawnRight());
+	it.User().Click(32, it.RowY(1)); // a level deeper, right of the arrow's column
+	EXPECT_EQ(shown(), (std::vector<int>{1, 2, 3, 4}));
+	EXPECT_TRUE(it.IsDrawnRight());
+	EXPECT_EQ(it.list->CurrentSelection(), -1);
+	it.User().Click(32, it.RowY(2)); // a row without an arrow
+	it.User().Click(12, it.RowY(0));
+	EXPECT_EQ(shown(), (std::vector<int>{1, 4}));
+	EXPECT_EQ(it.list->CurrentSelection(), -1); // hidden with its row
+	it.User().Click(60, it.RowY(0));
+	it.window.Settle();
+	EXPECT_EQ(it.list->CurrentSelection(), 0);
+	EXPECT_TRUE(it.IsDrawnRight());
+}
+
+TEST(ColumnListWindow, IndentedCellsAndArrowsEndWithTheirColumns)
+{
+	ListWindow it(true);
+	it.Under([&] {
+		TestList* list = it.list;
+		list->NewColumn(CLV_COLUMN_EXPANDER); // 0-20
+		list->NewColumn(0, 10);               // 21-31
+		list->NewColumn(0, 50);               // 32-82
+		list->AddItem(list->NewRow());
+		list->AddUnder(list->NewRow(), list->FullListItemAt(0));
+		list->FullListItemAt(1)->SetSuperItem(true);
+		list->Expand(list->FullListItemAt(0));
+		return 0;
+	});
+	it.window.Settle();
+	const InjectedUser::Picture picture = it.window->Snapshot();
+	const int32 y = static_cast<int32>(it.RowY(1));
+	const auto red = [&](int32 x) { return picture.At(x, y) >> 16 & 0xff; };
+	EXPECT_EQ(red(5), 20u);    // the expander's cell is not indented
+	EXPECT_NE(red(31), 0xffu); // the arrow from 27 on, cut off behind 31
+	EXPECT_EQ(red(32), 40u);
+	EXPECT_EQ(red(82), 40u);
+	EXPECT_EQ(red(83), 10u); // the rest of the row
+	// The narrow column, shifted by 20, lies behind its own end and is not drawn.
+	EXPECT_EQ(picture.At(23, y), 0xffffffffu);
+	it.User().Click(36, it.RowY(1));
+	it.window.Settle();
+	EXPECT_EQ(it.list->CurrentSelection(), 1); // no arrow there
+}
+
+TEST(ColumnListWindow, RowsHearOfThePointer)
+{
+	ListWindow it(false);
+	FillContents(it);
+	const auto heard = [&](size_t row) {
+		return it.Under([&] { return std::exchange(it.list->rows[row]->transits, {}); });
+	};
+	using Transits = std::vector<uint32>;
+	const auto move = [&](BPoint where, uint32 transit) {
+		it.Under([&] {
+			it.list->MouseMoved(where, transit, nullptr);
+			return 0;
+		});
+	};
+	move(BPoint(5, 5), B_ENTERED_VIEW);
+	move(BPoint(6, 5), B_INSIDE_VIEW);
+	EXPECT_EQ(heard(0), (Transits{B_ENTERED_VIEW, B_INSIDE_VIEW}));
+	move(BPoint(6, 25), B_INSIDE_VIEW);
+	EXPECT_EQ(heard(0), (Transits{B_EXITED_VIEW}));
+	EXPECT_EQ(heard(1), (Transits{B_ENTERED_VIEW}));
+	move(BPoint(6, -50), B_EXITED_VIEW); // in one jump
+	EXPECT_EQ(heard(1), (Transits{B_EXITED_VIEW}));
+	move(BPoint(6, 25), B_ENTERED_VIEW);
+	it.Under([&] { return it.list->RemoveItem(1); });
+	it.list->rows.erase(it.list->rows.begin() + 1);
+	move(BPoint(6, 5), B_INSIDE_VIEW);
+	EXPECT_EQ(heard(0), (Transits{B_ENTERED_VIEW}));
+}
+
+TEST(ColumnListWindow, ColumnsAndKeysMayBeChangedByAnyThread)
+{
+	ListWindow it(true);
+	it.Under([&] {
+		TestList* list = it.list;
+		list->SetSortFunction(CompareKeys);
+		list->NewColumn(CLV_COLUMN_SORTABLE);
+		list->NewColumn(CLV_COLUMN_SORTABLE);
+		list->NewColumn(CLV_COLUMN_EXPANDER);
+		for (int i = 0; i < 50; i++) {
+			list->AddItem(list->NewRow(i % 7, i % 3));
+			list->AddUnder(list->NewRow(i), list->FullListItemAt(0));
+		}
+		return 0;
+	});
+	CLVListItem* first = it.Under([&] { return it.list->FullListItemAt(0); });
+	std::thread widths([&] {
+		for (int i = 0; i < 100; i++) {
+			it.list->ColumnAt(0)->SetWidth(static_cast<float>(20 + i % 30));
+			it.list->ColumnAt(1)->SetShown(i % 3 != 0);
+		}
+	});
+	std::thread sorting([&] {
+		for (int i = 0; i < 100; i++) {
+			it.list->SetSortKey(i % 2);
+			it.list->ReverseSortMode(i % 2);
+		}
+	});
+	for (int i = 0; i < 50; i++) {
+		it.list->Expand(first);
+		it.list->Collapse(first);
+	}
+	widths.join();
+	sorting.join();
+	EXPECT_EQ(it.Under([&] { return it.list->CountItems(); }), 50);
+	EXPECT_TRUE(it.IsDrawnRight());
+}
