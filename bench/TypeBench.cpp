@@ -5,16 +5,21 @@
 
 #include "bench/Figure.h"
 
+#include <desktop/GuiThread.h>
 #include <desktop/Types.h>
 #include <interface/Bitmap.h>
 #include <kernel/OS.h>
 #include <storage/Mime.h>
 
+#include <cstdlib>
 #include <iterator>
 #include <memory>
 #include <set>
 #include <string>
 #include <vector>
+
+// No display is needed; painted icons only want the desktop's fonts to be up.
+[[maybe_unused]] static const int sOffscreen = setenv("QT_QPA_PLATFORM", "offscreen", 1);
 
 namespace {
 
@@ -47,8 +52,9 @@ SetUp(Row& row, const std::string& name)
 } // namespace
 
 int
-main()
+main(int, char**)
 {
+	desktop::WaitForDesktop();
 	std::vector<std::string> names;
 	for (int i = 0; i < kNames; i++)
 		names.push_back("file " + std::to_string(i) + "." + kSuffixes[i % std::size(kSuffixes)]);

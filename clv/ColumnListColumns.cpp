@@ -183,21 +183,24 @@ ColumnListView::InvalidateFrom(float left)
 }
 
 // Moves what lies right of a column that became wider by `delta`, so that only the column itself
-// and what is uncovered has to be drawn. `oldEnd` is from before.
+// and what is uncovered has to be drawn. `oldEnd` is from before. `edge`: so many pixels at the
+// view's right edge belong to that and do not move.
 static void
-ShiftRightOf(BView* view, float begin, float oldEnd, float delta)
+ShiftRightOf(BView* view, float begin, float oldEnd, float delta, float edge)
 {
-	BRect bounds = view->Bounds();
-	BRect changed(begin, bounds.top, bounds.right, bounds.bottom);
-	BRect from(oldEnd + 1, bounds.top, bounds.right, bounds.bottom);
-	BRect to = (from & bounds).OffsetByCopy(delta, 0) & bounds;
+	const BRect bounds = view->Bounds();
+	const BRect changed(begin, bounds.top, bounds.right, bounds.bottom);
+	BRect movable = bounds;
+	movable.right -= edge;
+	BRect from = movable;
+	from.left = std::max(bounds.left, oldEnd + 1);
+	const BRect to = from.OffsetByCopy(delta, 0) & movable;
 	from = to.OffsetByCopy(-delta, 0);
 	// Columns may lie between pixels; then they round to other ones.
 	if (!to.IsValid() || delta != std::floor(delta) || oldEnd != std::floor(oldEnd)) {
 		view->Invalidate(changed);
 		return;
 	}
-	view->Window()->UpdateIfNeeded();
 	view->CopyBits(from, to);
 	view->Invalidate(BRect(changed.left, changed.top, to.left - 1, changed.bottom));
 	view->Invalidate(BRect(to.right + 1, changed.top, changed.right, changed.bottom));
@@ -207,12 +210,14 @@ void
 ColumnListView::ColumnResized(const CLVColumn& column, float delta)
 {
 	if (Window() != nullptr) {
-		ShiftRightOf(fLabelView, column.Begin(), column.End(), delta);
+		// With the columns' old places, before anything is moved.
+		Window()->UpdateIfNeeded();
+		ShiftRightOf(fLabelView, column.Begin(), column.End(), delta, 1);
 		// The arrows of an outline reach over the columns behind theirs, which a copy would tear.
 		if (column.IsPushed() || IsExpander(&column))
 			Invalidate(BRect(column.Begin(), Bounds().top, Bounds().right, Bounds().bottom));
 		else
-			ShiftRightOf(this, column.Begin(), column.End(), delta);
+			ShiftRightOf(this, column.Begin(), column.End(), delta, 0);
 	}
 	Changed();
 }

@@ -4,6 +4,10 @@
 
 #include "BuiltinIcons.h"
 
+#include <desktop/GuiThread.h>
+
+#include <desktop/GuiThread.h>
+
 #include <QPainter>
 #include <QPainterPath>
 
@@ -24,6 +28,7 @@ public:
 		fImage(size, size, QImage::Format_ARGB32_Premultiplied), fPixel(double(kGrid) / size)
 	{
 		fImage.fill(Qt::transparent);
+		WaitForDesktop(); // a painter asks the application for its font
 		fPainter.begin(&fImage);
 		fPainter.setRenderHint(QPainter::Antialiasing);
 		fPainter.scale(1 / fPixel, 1 / fPixel);
@@ -240,6 +245,11 @@ DrawBuiltinIcon(BuiltinIcon icon, int32 size)
 {
 	static constexpr void (*kDraw[])(Sketch&) = {DrawFolder, DrawLink, DrawBrokenLink, DrawText,
 		DrawImage, DrawAudio, DrawVideo, DrawArchive, DrawProgram, DrawUnknown};
+	if (!WaitForDesktop()) { // a painter asks the application for its font
+		QImage none(size, size, QImage::Format_ARGB32_Premultiplied);
+		none.fill(Qt::transparent);
+		return none;
+	}
 	Sketch sketch(size);
 	kDraw[size_t(icon)](sketch);
 	return sketch.Take();

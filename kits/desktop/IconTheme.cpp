@@ -6,8 +6,9 @@
 
 #include "GObjectPtr.h"
 
+#include <desktop/GuiThread.h>
+
 #include <QImageReader>
-#include <QPainter>
 
 #include <glib.h>
 
@@ -21,6 +22,7 @@ namespace {
 
 constexpr const char* kMainGroup = "Icon Theme";
 constexpr const char* kLastTheme = "hicolor"; // every theme inherits from it in the end
+constexpr const char* kDrawingSuffix = ".svg";
 constexpr int kDefaultThreshold = 2;
 
 typedef std::unique_ptr<GKeyFile, GRelease<g_key_file_unref>> KeyFile;
@@ -75,16 +77,18 @@ QImage
 LoadPicture(const std::string& path, int32 size)
 {
 	QImageReader reader(QString::fromLocal8Bit(path.c_str()));
-	if (path.ends_with(".svg"))
+	if (path.ends_with(kDrawingSuffix)) {
+		if (!WaitForDesktop()) // painting one begins with the application's font
+			return {};
 		reader.setScaledSize(QSize(size, size));
+	}
 	const QImage image = reader.read();
 	if (image.isNull() || image.size() == QSize(size, size))
 		return image;
-	const QImage scaled = image.scaled(size, size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-	QImage square(size, size, QImage::Format_ARGB32_Premultiplied);
-	square.fill(Qt::transparent);
-	QPainter(&square).drawImage((size - scaled.width()) / 2, (size - scaled.height()) / 2, scaled);
-	return square;
+	const QImage scaled = image.convertToFormat(QImage::Format_ARGB32_Premultiplied)
+							  .scaled(size, size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+	// In the middle; what lies outside comes out transparent.
+	return scaled.copy((scaled.width() - size) / 2, (scaled.height() - size) / 2, size, size);
 }
 
 } // namespace
@@ -93,7 +97,7 @@ IconTheme::IconTheme(std::vector<std::string> bases, const std::string& name) :
 	fBases(std::move(bases)), fSuffixes{".png"}
 {
 	if (QImageReader::supportedImageFormats().contains("svg"))
-		fSuffixes.emplace_back(".svg");
+		fSuffixes.emplace_back(kDrawingSuffix);
 	std::vector<std::string> known;
 	AddTheme(name, known);
 	AddTheme(kLastTheme, known);

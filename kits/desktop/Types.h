@@ -3,7 +3,8 @@
 // Content types, their descriptions and icons, from the shared MIME database and the desktop's
 // icon theme. Types are written in lower case here, as the database has them.
 //
-// Any thread; nothing is loaded before it is asked for, and nothing waits for the GUI thread.
+// Any thread; nothing is loaded before it is asked for. Nothing waits for the GUI thread, but icons
+// that have to be painted wait for the desktop's start.
 
 #pragma once
 

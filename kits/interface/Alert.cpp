@@ -254,6 +254,10 @@ BAlert::MessageReceived(BMessage* message)
 			else
 				Quit(); // without a desktop nobody can answer
 			break;
+		case BPrivate::kMsgActivateAlert:
+			if (!IsActive())
+				Activate();
+			break;
 		case BPrivate::kMsgCloseAlert:
 			Quit();
 			break;

@@ -59,17 +59,20 @@ BPrivate::DrawArrow(BView* view, BRect rect, ArrowDirection direction, rgb_color
 	const bool forward = direction == ArrowDirection::kDown || direction == ArrowDirection::kRight;
 	const float middleX = std::floor((rect.left + rect.right) / 2);
 	const float middleY = std::floor((rect.top + rect.bottom) / 2);
+	// As many pixels across as fit evenly: an odd number in the middle of an odd one.
+	const int32 across = upright ? rect.IntegerWidth() : rect.IntegerHeight();
+	const float extra = across % 2 == 0 ? 0 : 1;
 	view->BeginLineArray(kRows);
 	for (int row = 0; row < kRows; row++) {
-		// Rows of 1, 3, 5 and 7 pixels, from the point to the base.
+		// Rows of 1, 3, 5 and 7 pixels (or 2, 4, 6 and 8), from the point to the base.
 		float along = static_cast<float>(forward ? kRows / 2 - row : row - kRows / 2 + 1);
 		float half = static_cast<float>(row);
 		if (upright)
 			view->AddLine(BPoint(middleX - half, middleY + along),
-				BPoint(middleX + half, middleY + along), color);
+				BPoint(middleX + half + extra, middleY + along), color);
 		else
 			view->AddLine(BPoint(middleX + along, middleY - half),
-				BPoint(middleX + along, middleY + half), color);
+				BPoint(middleX + along, middleY + half + extra), color);
 	}
 	view->EndLineArray();
 }

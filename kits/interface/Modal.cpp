@@ -48,6 +48,15 @@ BPrivate::InputBlockedBy(const BWindow* window)
 }
 
 void
+BPrivate::ActivateAlert()
+{
+	Registry& registry = TheRegistry();
+	std::lock_guard lock(registry.lock);
+	if (!registry.open.empty())
+		registry.open.back().messenger.SendMessage(kMsgActivateAlert);
+}
+
+void
 BPrivate::CloseAllAlerts()
 {
 	Registry& registry = TheRegistry();

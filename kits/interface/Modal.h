@@ -14,9 +14,13 @@ namespace BPrivate {
 // Posted to alerts.
 constexpr uint32 kMsgShowAlert = '_ALS';
 constexpr uint32 kMsgCloseAlert = '_ALC';
+constexpr uint32 kMsgActivateAlert = '_ALV';
 
 // True when input and the close box of this window must be ignored.
 bool InputBlockedBy(const BWindow* window);
+
+// Gives the newest open alert the keys: for a window that was activated and takes none.
+void ActivateAlert();
 
 // Every alert, open or waiting, is dismissed with -1. Does not wait for that.
 void CloseAllAlerts();

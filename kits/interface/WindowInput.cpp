@@ -331,6 +331,9 @@ BWindow::_ActivationChanged(bool active)
 	if (active == fActive)
 		return;
 	fActive = active;
+	// A window manager may give the focus to the window behind an alert.
+	if (active && BPrivate::InputBlockedBy(this))
+		BPrivate::ActivateAlert();
 	WindowActivated(active);
 	_CallViews([active](BView& view) { view.WindowActivated(active); });
 }

@@ -5,7 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <mutex>
+#include <vector>
 
 using BPrivate::DelayedMessage;
 
@@ -18,7 +19,10 @@ public:
 
 	void MessageReceived(BMessage* message) override
 	{
-		last = message->what;
+		{
+			std::lock_guard lock(fMutex);
+			fCodes.push_back(message->what);
+		}
 		release_sem(fArrived);
 	}
 	bool Wait(bigtime_t timeout)
@@ -26,9 +30,15 @@ public:
 		return acquire_sem_etc(fArrived, 1, B_RELATIVE_TIMEOUT, timeout) == B_OK;
 	}
 
-	std::atomic<uint32> last = 0;
+	uint32 Code(size_t index) // of the message that came as number `index`, or 0
+	{
+		std::lock_guard lock(fMutex);
+		return index < fCodes.size() ? fCodes[index] : 0;
+	}
 
 private:
+	std::mutex fMutex;
+	std::vector<uint32> fCodes;
 	sem_id fArrived;
 };
 
@@ -47,10 +57,10 @@ TEST(DelayedMessage, ArrivesNotBeforeItsTimeAndOnlyTheLastOne)
 		given_up.Post(BMessenger(collector), BMessage('gone'), 1000000000);
 		ASSERT_TRUE(collector->Wait(20000000));
 		EXPECT_GE(system_time() - start, 30000);
-		EXPECT_EQ(collector->last, uint32('earl'));
+		EXPECT_EQ(collector->Code(0), uint32('earl'));
 		ASSERT_TRUE(collector->Wait(20000000));
 		EXPECT_GE(system_time() - start, 60000);
-		EXPECT_EQ(collector->last, uint32('late'));
+		EXPECT_EQ(collector->Code(1), uint32('late'));
 		late.Post(BMessenger(collector), BMessage('lost'), 30000);
 		late.Cancel();
 		EXPECT_FALSE(collector->Wait(60000));

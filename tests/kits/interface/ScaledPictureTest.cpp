@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+
+// Pictures of whole windows at the scale that QT_SCALE_FACTOR names; run once for each scale that
+// matters. Expectations come from the views' places in logical pixels.
+
+#include <interface/Look.h>
+#include <interface/ScrollView.h>
+
+#include "tests/support/TestWindow.h"
+
+#include <cmath>
+#include <cstdlib>
+
+namespace {
+
+double
+Scale()
+{
+	const char* factor = std::getenv("QT_SCALE_FACTOR");
+	return factor != nullptr ? std::atof(factor) : 1;
+}
+
+int32
+Edge(int32 logical)
+{
+	return static_cast<int32>(std::floor(logical * Scale() + 0.5));
+}
+
+// What a window should show: one colour for each logical pixel.
+class Expected {
+public:
+	Expected(int32 columns, int32 rows, uint32 colour) :
+		fColumns(columns), fRows(rows), fPixels(static_cast<size_t>(columns * rows), colour)
+	{}
+
+	void Fill(int32 left, int32 top, int32 right, int32 bottom, uint32 colour)
+	{
+		for (int32 y = top; y <= bottom; y++) {
+			for (int32 x = left; x <= right; x++)
+				fPixels[static_cast<size_t>(y * fColumns + x)] = colour;
+		}
+	}
+
+	void Compare(const InjectedUser::Picture& picture) const
+	{
+		ASSERT_EQ(Edge(fColumns), picture.width);
+		ASSERT_EQ(Edge(fRows), picture.height);
+		for (int32 y = 0; y < fRows; y++) {
+			for (int32 x = 0; x < fColumns; x++)
+				ComparePixel(picture, x, y);
+		}
+	}
+
+private:
+	void ComparePixel(const InjectedUser::Picture& picture, int32 x, int32 y) const
+	{
+		for (int32 deviceY = Edge(y); deviceY < Edge(y + 1); deviceY++) {
+			for (int32 deviceX = Edge(x); deviceX < Edge(x + 1); deviceX++) {
+				ASSERT_EQ(
+					fPixels[static_cast<size_t>(y * fColumns + x)], picture.At(deviceX, deviceY))
+					<< "logical " << x << "," << y << " device " << deviceX << "," << deviceY;
+			}
+		}
+	}
+
+	int32 fColumns;
+	int32 fRows;
+	std::vector<uint32> fPixels;
+};
+
+constexpr uint32 kRed = 0xffff0000, kBlue = 0xff0000ff, kGreen = 0xff00ff00, kBlack = 0xff000000;
+
+// Rows of text and lines, as a list has them.
+class Rows : public BView {
+public:
+	explicit Rows(BRect frame) : BView(frame, nullptr, B_FOLLOW_ALL, B_WILL_DRAW) {}
+	void Draw(BRect update) override
+	{
+		for (int32 row = 0; row < 100; row++) {
+			const float top = static_cast<float>(row) * 13;
+			if (top > update.bottom || top + 13 < update.top)
+				continue;
+			DrawString(("Row " + std::to_string(row)).c_str(), BPoint(3, top + 10));
+			StrokeLine(BPoint(0, top + 12), BPoint(50 + static_cast<float>(row), top + 12));
+		}
+	}
+};
+
+} // namespace
+
+TEST(ScaledPicture, ViewsAndStrokesCoverTheirPixelsWithoutSeamOrBlend)
+{
+	Shown window(101, 77);
+	// Splitters stop at half pixels.
+	const BRect frames[] = {
+		BRect(0, 0, 40.5f, 20.5f), BRect(41.5f, 0, 100, 20.5f), BRect(0, 21.5f, 100, 76)};
+	const rgb_color colours[] = {{255, 0, 0, 255}, {0, 0, 255, 255}, {0, 255, 0, 255}};
+	for (int i = 0; i < 3; i++) {
+		BView* view = new BView(frames[i], nullptr, B_FOLLOW_NONE, B_WILL_DRAW);
+		view->SetViewColor(colours[i]);
+		window->AddChild(view);
+	}
+	window->ShowAndSettle();
+	Expected expected(101, 77, kGreen);
+	expected.Fill(0, 0, 41, 21, kRed);
+	expected.Fill(42, 0, 100, 21, kBlue);
+	expected.Compare(window->Snapshot());
+
+	window->Do([&] {
+		BView* view = window->ChildAt(2);
+		view->StrokeRect(BRect(5, 5, 95, 50));
+		view->StrokeLine(BPoint(10, 20), BPoint(11, 20));
+	});
+	expected.Fill(5, 27, 95, 72, kBlack);
+	expected.Fill(6, 28, 94, 71, kGreen);
+	expected.Fill(10, 42, 11, 42, kBlack);
+	expected.Compare(window->Snapshot());
+
+	window->Do([&] {
+		window->ChildAt(0)->ResizeTo(30, 21);
+		window->ChildAt(1)->MoveTo(31, 0);
+		window->ChildAt(1)->ResizeTo(69, 21);
+	});
+	expected.Fill(31, 0, 100, 21, kBlue);
+	expected.Compare(window->Snapshot());
+}
+
+TEST(ScaledPicture, ScrollingAndResizingLeaveWhatAFullRepaintDraws)
+{
+	Shown window(120, 90);
+	Rows* rows = new Rows(BRect(2, 2, 103, 73));
+	BScrollView* scroll =
+		new BScrollView(nullptr, rows, B_FOLLOW_ALL, 0, true, true, B_FANCY_BORDER);
+	window->AddChild(scroll);
+	window->ShowAndSettle();
+	auto isAsRepainted = [&] {
+		const InjectedUser::Picture before = window->Snapshot();
+		window->Do([&] {
+			for (BView* view : {static_cast<BView*>(rows), static_cast<BView*>(scroll),
+					 static_cast<BView*>(scroll->ScrollBar(B_VERTICAL)),
+					 static_cast<BView*>(scroll->ScrollBar(B_HORIZONTAL))})
+				view->Invalidate();
+		});
+		return before.pixels == window->Snapshot().pixels;
+	};
+	for (float y : {13.0f, 26.0f, 27.0f, 40.0f, 39.0f, 300.0f, 298.0f, 0.0f}) {
+		window->Do([&] { rows->ScrollTo(0, y); });
+		EXPECT_TRUE(isAsRepainted()) << "scrolled to " << y;
+	}
+	for (int32 step : {1, 2, 3, 5, 20}) {
+		window->User().Resize(120 + step, 90 + 2 * step);
+		window->Settle();
+		EXPECT_EQ(Edge(120 + step), window->Snapshot().width);
+		EXPECT_TRUE(isAsRepainted()) << "larger by " << step;
+	}
+}
+
+TEST(ScaledPicture, ArrowsStandInTheMiddleOfTheirBoxes)
+{
+	using BPrivate::ArrowDirection;
+	constexpr int32 kBox = 14;
+	for (ArrowDirection direction : {ArrowDirection::kUp, ArrowDirection::kDown,
+			 ArrowDirection::kLeft, ArrowDirection::kRight}) {
+		Shown window(kBox, kBox);
+		BView* view = new BView(BRect(0, 0, kBox - 1, kBox - 1), nullptr, B_FOLLOW_ALL, 0);
+		window->AddChild(view);
+		window->ShowAndSettle();
+		window->Do([&] { BPrivate::DrawArrow(view, view->Bounds(), direction, {0, 0, 0, 255}); });
+		const InjectedUser::Picture picture = window->Snapshot();
+		const bool upright = direction == ArrowDirection::kUp || direction == ArrowDirection::kDown;
+		int ink = 0;
+		for (int32 y = 0; y < picture.height; y++) {
+			for (int32 x = 0; x < picture.width; x++) {
+				const int32 otherX = upright ? picture.width - 1 - x : x;
+				const int32 otherY = upright ? y : picture.height - 1 - y;
+				EXPECT_EQ(picture.At(x, y), picture.At(otherX, otherY)) << x << "," << y;
+				ink += picture.At(x, y) == kBlack;
+			}
+		}
+		EXPECT_GT(ink, 15 * Scale() * Scale());
+	}
+}
