@@ -16,7 +16,7 @@ struct OutlineList::Block {
 	std::vector<CLVListItem*> items;
 	size_t number = 0; // of this block
 	int32 visible = 0; // so many of its rows are
-	// Where it starts among all rows and among the visible ones. See fLocated.
+	// Where it starts among all rows and among the visible ones, once that is known.
 	int32 first = 0;
 	int32 firstVisible = 0;
 	mutable uint32 lowestLevel = 0;
@@ -33,11 +33,12 @@ OutlineList::LevelChanged()
 	sLevelChanges.fetch_add(1, std::memory_order_relaxed);
 }
 
-// After rows of this block came or went, or were shown or hidden.
+// After rows of this block came or went.
 void
 OutlineList::Changed(size_t block)
 {
 	fLocated = std::min(fLocated, block + 1);
+	fVisibleLocated = std::min(fVisibleLocated, block + 1);
 	fArray.clear();
 }
 
@@ -47,22 +48,40 @@ OutlineList::Locate(size_t block) const
 {
 	for (; fLocated <= block; fLocated++) {
 		Block& next = *fBlocks[fLocated];
-		next.first = next.firstVisible = 0;
+		next.first = 0;
 		if (fLocated > 0) {
 			const Block& before = *fBlocks[fLocated - 1];
 			next.first = before.first + static_cast<int32>(before.items.size());
+		}
+	}
+}
+
+void
+OutlineList::LocateVisible(size_t block) const
+{
+	for (; fVisibleLocated <= block; fVisibleLocated++) {
+		Block& next = *fBlocks[fVisibleLocated];
+		next.firstVisible = 0;
+		if (fVisibleLocated > 0) {
+			const Block& before = *fBlocks[fVisibleLocated - 1];
 			next.firstVisible = before.firstVisible + before.visible;
 		}
 	}
 }
 
-// The block of a row that exists.
+// The block of a row that exists. Locates no blocks behind it: those move with every change.
 size_t
 OutlineList::BlockAt(int32 index) const
 {
-	Locate(fBlocks.size() - 1);
-	auto behind = std::upper_bound(fBlocks.begin(), fBlocks.end(), index,
-		[](int32 value, const std::unique_ptr<Block>& block) { return value < block->first; });
+	Locate(0);
+	const auto endOf = [this](size_t number) {
+		return fBlocks[number]->first + static_cast<int32>(fBlocks[number]->items.size());
+	};
+	while (endOf(fLocated - 1) <= index)
+		Locate(fLocated);
+	auto behind =
+		std::upper_bound(fBlocks.begin(), fBlocks.begin() + static_cast<ptrdiff_t>(fLocated), index,
+			[](int32 value, const std::unique_ptr<Block>& block) { return value < block->first; });
 	return static_cast<size_t>(behind - fBlocks.begin()) - 1;
 }
 
@@ -92,6 +111,7 @@ OutlineList::CountVisibleBefore(int32 index) const
 	if (index <= 0 || fCount == 0)
 		return 0;
 	const Block& block = *fBlocks[BlockAt(std::min(index, fCount) - 1)];
+	LocateVisible(block.number);
 	auto end = block.items.begin() + (std::min(index, fCount) - block.first);
 	return block.firstVisible +
 		static_cast<int32>(std::count_if(
@@ -243,6 +263,7 @@ OutlineList::Remove(int32 index, int32 count)
 	if (empty != fBlocks.begin() + static_cast<ptrdiff_t>(last)) {
 		fBlocks.erase(empty, fBlocks.begin() + static_cast<ptrdiff_t>(last));
 		fLocated = std::min(fLocated, number);
+		fVisibleLocated = std::min(fVisibleLocated, number);
 		Renumber(number);
 	}
 }
@@ -255,7 +276,7 @@ OutlineList::MakeEmpty()
 	fItems.clear();
 	fArray.clear();
 	fCount = 0;
-	fLocated = 0;
+	fLocated = fVisibleLocated = 0;
 }
 
 void
@@ -266,7 +287,7 @@ OutlineList::SetVisible(CLVListItem* item, bool visible)
 	Block& block = *static_cast<Block*>(item->fBlock);
 	item->fVisible = visible;
 	block.visible += visible ? 1 : -1;
-	fLocated = std::min(fLocated, block.number + 1);
+	fVisibleLocated = std::min(fVisibleLocated, block.number + 1);
 }
 
 void
@@ -282,7 +303,7 @@ OutlineList::Reorder(const std::vector<CLVListItem*>& items)
 			block->visible += item->fVisible;
 		}
 	}
-	fLocated = 0;
+	fVisibleLocated = 0;
 	fArray.clear();
 }
 

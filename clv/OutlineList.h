@@ -56,6 +56,7 @@ private:
 
 	void Changed(size_t block);
 	void Locate(size_t block) const;
+	void LocateVisible(size_t block) const;
 	size_t BlockAt(int32 index) const;
 	uint32 LowestLevel(const Block& block) const;
 	void Split(size_t block);
@@ -64,7 +65,9 @@ private:
 	std::vector<std::unique_ptr<Block>> fBlocks; // none is empty
 	int32 fCount = 0;
 	std::unordered_set<const CLVListItem*> fItems;
-	mutable size_t fLocated = 0; // so many blocks know where they start
+	// So many blocks know where they start, among all rows and among the visible ones.
+	mutable size_t fLocated = 0;
+	mutable size_t fVisibleLocated = 0;
 	mutable uint64 fLevelsSeen = 0;
 	mutable std::vector<const BListItem*> fArray; // empty: not made yet
 };

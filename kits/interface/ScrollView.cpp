@@ -83,12 +83,16 @@ BScrollView::InvalidateBorder()
 	Invalidate(BRect(bounds.right - last, bounds.top, bounds.right, bounds.bottom));
 }
 
-// The strips uncovered by a resize do not hold the old corners, which have become edges.
+// The strips uncovered by a resize do not hold the old corners, which have become edges, nor the
+// old edges, which may now lie where the bars meet.
 void
 BScrollView::FrameResized(float width, float height)
 {
 	BView::FrameResized(width, height);
 	InvalidateBorder();
+	if (fHorizontal != nullptr && fVertical != nullptr)
+		Invalidate(BRect(fVertical->Frame().left, fHorizontal->Frame().top,
+			fVertical->Frame().right, fHorizontal->Frame().bottom));
 }
 
 void
