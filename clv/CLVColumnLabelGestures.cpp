@@ -115,8 +115,9 @@ CLVColumnLabelView::BeginGesture(CLVColumn* column, BPoint where, bool resizing)
 		Invalidate();
 	else
 		InvalidateSpan(column->Begin(), column->End());
-	// The watcher of a quick earlier press may not have seen its release: it goes on with this
-	// press. A second one beside it would end a later gesture by its own late release.
+	// The watcher of a quick earlier press may not have told of its release yet: it goes on with
+	// this press. A second one beside it would end a later gesture by its own late release.
+	fWatcherIsOlder = fWatching;
 	if (!fWatching)
 		fWatching = StartMouseWatcher(this) >= 0;
 	if (!fWatching)
@@ -129,6 +130,8 @@ CLVColumnLabelView::MessageReceived(BMessage* message)
 	switch (message->what) {
 		case MW_MOUSE_UP:
 			fWatching = false;
+			if (fClickedColumn != nullptr && fWatcherIsOlder && WatchAgain())
+				break;
 			[[fallthrough]];
 		case MW_MOUSE_DOWN:
 		case MW_MOUSE_MOVED:
@@ -138,6 +141,19 @@ CLVColumnLabelView::MessageReceived(BMessage* message)
 		default:
 			BView::MessageReceived(message);
 	}
+}
+
+// A release from before the present press: true when that goes on.
+bool
+CLVColumnLabelView::WatchAgain()
+{
+	fWatcherIsOlder = false;
+	BPoint where;
+	uint32 buttons = 0;
+	GetMouse(&where, &buttons, false);
+	if (buttons == B_PRIMARY_MOUSE_BUTTON)
+		fWatching = StartMouseWatcher(this) >= 0;
+	return fWatching;
 }
 
 void

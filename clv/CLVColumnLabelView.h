@@ -34,6 +34,7 @@ public:
 private:
 	const DragGroup& ClickedGroup() const { return fGroups[static_cast<size_t>(fClickedGroup)]; }
 	void BeginGesture(CLVColumn* column, BPoint where, bool resizing);
+	bool WatchAgain();
 	void Watched(const BMessage& message);
 	void DragLabel(BPoint where);
 	void DragEdge(BPoint where);
@@ -50,6 +51,7 @@ private:
 	// The gesture
 	CLVColumn* fClickedColumn = nullptr; // null: none
 	bool fWatching = false;              // a watcher runs that has not told of the release
+	bool fWatcherIsOlder = false;        // than the present press
 	bool fDragging = false;
 	bool fResizing = false;
 	BPoint fPressPoint;

@@ -214,7 +214,7 @@ TEST(Looper, QuitInAHookDoesNotComeBack)
 	BMessenger messenger(looper);
 	looper->PostMessage(kMsgQuitInside);
 	ASSERT_TRUE(WaitUntil([&] { return deaths == 1; }));
-	EXPECT_FALSE(messenger.IsValid());
+	EXPECT_TRUE(WaitUntil([&] { return !messenger.IsValid(); }));
 }
 
 TEST(Looper, QuitRequestedMayRefuse)

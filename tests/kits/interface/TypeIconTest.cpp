@@ -35,7 +35,8 @@ Pixels(const BBitmap& bitmap)
 bool
 SamePixels(const BBitmap& a, const BBitmap& b)
 {
-	return a.BitsLength() == b.BitsLength() && memcmp(a.Bits(), b.Bits(), a.BitsLength()) == 0;
+	return a.BitsLength() == b.BitsLength() &&
+		(a.BitsLength() == 0 || memcmp(a.Bits(), b.Bits(), a.BitsLength()) == 0);
 }
 
 // The bitmap that all nodes with this icon share.
