@@ -237,6 +237,7 @@ TEST(ColumnListWindow, ArrowsOpenAndCloseRowsWithoutSelecting)
 		list->AddItem(list->NewRow(4));
 		return 0;
 	});
+	it.window.Settle(); // an arrow is where it was last drawn
 	const auto shown = [&] { return it.Under([&] { return it.list->Shown(); }); };
 	it.User().Click(12, it.RowY(0));
 	EXPECT_EQ(shown(), (std::vector<int>{1, 2, 4}));
