@@ -127,10 +127,18 @@ class Wayland(unittest.TestCase):
         korva = self.start(QT_SCALE_FACTOR=scale, **env)
         return korva, self.wait_for(self.on_x11[scale], "the picture that X11 shows", korva)
 
+    def press_until(self, key, condition, what):
+        """A window that is seen need not have the keys yet."""
+        def answers():
+            self.display.press(key)
+            with contextlib.suppress(AssertionError):
+                return wait_until(condition, what, 0.5)
+        wait_until(answers, what)
+
     def test_shows_what_it_shows_on_x11_and_ends_with_its_window(self):
         korva, _ = self.start_and_find()
-        self.display.press("alt+w")
-        self.assertEqual(korva.wait_for_end(), 0, korva.errors())
+        self.press_until("alt+w", lambda: korva.process.poll() is not None, "the end")
+        self.assertEqual(korva.wait_for_end(), 0)
         self.assertEqual(korva.errors(), "")
 
     def test_shows_the_same_in_a_frame_of_its_own(self):
@@ -161,13 +169,14 @@ class Wayland(unittest.TestCase):
         wait_until(lambda: (184, 184, 184) in self.display.picture().part(
             left, top, left + 120, top + 11).colours(), "the row selected")
 
-    def test_keys_answer_the_alert_and_then_close_the_window(self):
+    def test_the_alert_is_answered_by_a_key(self):
         korva = self.start(ABOUT)
-        wait_until(lambda: find(STRIPE, self.display.picture()), "the alert")
-        self.display.press("Return")
-        wait_until(lambda: not find(STRIPE, self.display.picture()), "no alert")
-        self.display.press("alt+w")
-        self.assertEqual(korva.wait_for_end(), 0, korva.errors())
+        x, y = self.wait_for(STRIPE, "the alert", korva)
+        # It may have opened before the window did, which then has the keys.
+        self.point_at(x + 5, y + 5)
+        self.display.do("xdotool", "click", "1")
+        self.press_until("Return", lambda: not find(STRIPE, self.display.picture()), "no alert")
+        self.assertIsNone(korva.process.poll())
 
     def test_ends_when_the_compositor_goes_away(self):
         korva, _ = self.start_and_find()
