@@ -92,10 +92,15 @@ class Wayland(unittest.TestCase):
         wait_until(lambda: "Weston" in self.display.ask("xwininfo", "-root", "-tree"),
                    "the compositor's window")
         wait_until(lambda: os.path.exists(os.path.join(self.display.folder, SOCKET)), "its socket")
-        # A click on its title: not every window that opens gets the keys.
-        self.display.click(*TITLE)
+        wait_until(self.gives_compositor_the_keys, "the compositor's window active")
         # Its pointer out of the way, since that is part of the pictures.
         self.display.do("xdotool", "mousemove", *CORNER)
+
+    def gives_compositor_the_keys(self):
+        """Not every window that opens gets them: with a click on its title."""
+        self.display.click(*TITLE)
+        active = self.display.ask("xprop", "-root", "_NET_ACTIVE_WINDOW").rpartition(" ")[2].strip()
+        return "Weston" in self.display.ask("xwininfo", "-id", active)
 
     def lose_compositor(self):
         self.compositor.kill()
