@@ -187,11 +187,18 @@ RunDesktop(char* programPath)
 	}
 	sInEventLoop = false;
 	pthread_join(sProgram->thread, nullptr);
+	const int result = sProgram->result;
 	sProgram = nullptr;
 	CloseJobQueue(false);
 	FontCache::ForgetCurrent();
 	for (QWindow* window : QGuiApplication::allWindows())
 		window->destroy();
+	// Qt 6.4 closes its connection to a Wayland compositor by waiting for two threads that read
+	// from it, and one time in twenty they wait for each other. The system closes it as well.
+	if (QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
+		std::fflush(nullptr);
+		_exit(result);
+	}
 }
 
 } // namespace
