@@ -18,6 +18,7 @@ BHandler::~BHandler()
 {
 	if (BLooper* looper = Looper(); looper != nullptr && looper != this)
 		looper->RemoveHandler(this);
+	BPrivate::EndWatching(fToken);
 	for (BMessageFilter* filter : fFilters)
 		delete filter;
 }

@@ -93,6 +93,9 @@ public:
 // The next handler token, never given twice.
 int64 NewHandlerToken();
 
+// Ends what a handler that is going away watches.
+void EndWatching(int64 handlerToken);
+
 // What the interface kit wants done before the application asks its windows to close: open alerts
 // and menus hold their windows' locks.
 void SetQuitPreparation(void (*prepare)());

@@ -15,7 +15,8 @@ class BMessage;
 
 namespace BPrivate {
 class LooperCore;
-}
+struct NodeMonitorAccess;
+} // namespace BPrivate
 
 class BMessenger {
 public:
@@ -46,6 +47,8 @@ public:
 	bool operator!=(const BMessenger& other) const { return !(*this == other); }
 
 private:
+	friend struct BPrivate::NodeMonitorAccess;
+
 	status_t _Send(std::unique_ptr<BMessage> message) const;
 
 	std::shared_ptr<BPrivate::LooperCore> fCore;

@@ -6,6 +6,7 @@
 #include <storage/DirectoryTable.h>
 #include <storage/Entry.h>
 #include <storage/File.h>
+#include <storage/FolderMonitor.h>
 #include <storage/FolderPath.h>
 #include <storage/SymLink.h>
 
@@ -181,8 +182,10 @@ BDirectory::PrepareWalk()
 	if (fFolder == nullptr)
 		return B_NO_INIT;
 	if (fSnapshot == nullptr && !fAtEnd) {
-		auto snapshot = std::make_unique<DirectorySnapshot>();
-		if (status_t status = snapshot->Read(fFolder->Descriptor()); status != B_OK)
+		// By way of the node monitor: who lists what it watches need not be told of it.
+		std::shared_ptr<const DirectorySnapshot> snapshot;
+		status_t status = FolderMonitor::Instance().List(fFolder, &snapshot);
+		if (status != B_OK)
 			return status;
 		fSnapshot = std::move(snapshot);
 	}

@@ -88,7 +88,7 @@ private:
 	ino_t NumberAt(size_t position) const;
 
 	BPrivate::FolderHandle fFolder; // null unless initialised
-	std::unique_ptr<BPrivate::DirectorySnapshot> fSnapshot;
+	std::shared_ptr<const BPrivate::DirectorySnapshot> fSnapshot;
 	size_t fPosition = 0;  // 0 is ".", 1 is "..", 2 the snapshot's first
 	bool fAtEnd = false;   // the snapshot is gone because all of it was read
 	bool fHasRead = false; // since the last count

@@ -50,6 +50,15 @@ DirectorySnapshot::Read(int folder)
 	return status;
 }
 
+const dirent64*
+DirectorySnapshot::Find(const char* name) const
+{
+	auto found = std::lower_bound(fItems.begin(), fItems.end(), name,
+		[](const Item& item, const char* text) { return strcmp(item.entry->d_name, text) < 0; });
+	return found != fItems.end() && strcmp(found->entry->d_name, name) == 0 ? found->entry
+																			: nullptr;
+}
+
 status_t
 DirectorySnapshot::ReadBlocks(int descriptor)
 {

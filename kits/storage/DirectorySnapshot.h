@@ -24,6 +24,7 @@ public:
 	// folders below, and types may be DT_UNKNOWN.
 	size_t Count() const { return fItems.size(); }
 	const dirent64& At(size_t index) const { return *fItems[index].entry; }
+	const dirent64* Find(const char* name) const; // NULL when there is none
 
 private:
 	struct Item {
