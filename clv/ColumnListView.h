@@ -142,7 +142,9 @@ private:
 	bool IsSortKey(const CLVColumn* column) const;
 	void InvalidateLabel(const CLVColumn* column);
 
-	bool AddItemPrivate(CLVListItem* item, int32 index);
+	bool AddRows(const BList& items, int32 index);
+	bool FitsAt(const CLVListItem& item, int32 index, bool* visible) const;
+	void TakeOverRowsBehind(int32 index, int32 end);
 	void RowsChanged();
 	void ShowOrHideUnder(int32 index);
 	template <typename Visit>

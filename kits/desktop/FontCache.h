@@ -60,6 +60,7 @@ private:
 	struct Face {
 		FontSpec spec;
 		QFont font;
+		FontHeights heights;
 	};
 	// Making a font of another size is slow and starts with no glyphs rendered.
 	struct ScaledFont {
@@ -68,7 +69,7 @@ private:
 		QRawFont scaled;
 	};
 
-	const QFont& FontFor(const FontSpec& spec);
+	const Face& FaceFor(const FontSpec& spec);
 	QRawFont Scaled(const QRawFont& font, double scale);
 	std::shared_ptr<ShapedText> Layout(const FontSpec& spec, double scale, std::string_view text);
 

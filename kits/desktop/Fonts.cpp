@@ -108,12 +108,12 @@ FontCache::ForgetCurrent()
 	tCache.reset();
 }
 
-const QFont&
-FontCache::FontFor(const FontSpec& spec)
+const FontCache::Face&
+FontCache::FaceFor(const FontSpec& spec)
 {
 	for (const Face& face : fFaces) {
 		if (face.spec == spec)
-			return face.font;
+			return face;
 	}
 	if (fFaces.size() == kMaxFonts)
 		fFaces.clear();
@@ -123,15 +123,16 @@ FontCache::FontFor(const FontSpec& spec)
 	font.setPixelSize(std::clamp(qRound(spec.size), 1, 1000));
 	if (spec.face == FontFace::kBold)
 		font.setBold(true);
-	return fFaces.emplace_back(Face{spec, font}).font;
+	const QFontMetricsF metrics(font);
+	const FontHeights heights = {std::max(0.0f, float(metrics.ascent())),
+		std::max(0.0f, float(metrics.descent())), std::max(0.0f, float(metrics.leading()))};
+	return fFaces.emplace_back(Face{spec, font, heights});
 }
 
 FontHeights
 FontCache::Heights(const FontSpec& spec)
 {
-	const QFontMetricsF metrics(FontFor(spec));
-	return {std::max(0.0f, float(metrics.ascent())), std::max(0.0f, float(metrics.descent())),
-		std::max(0.0f, float(metrics.leading()))};
+	return FaceFor(spec).heights;
 }
 
 QRawFont
@@ -153,7 +154,7 @@ std::shared_ptr<ShapedText>
 FontCache::Layout(const FontSpec& spec, double scale, std::string_view text)
 {
 	auto shaped = std::make_shared<ShapedText>();
-	QTextLayout layout(DrawableText(text), FontFor(spec));
+	QTextLayout layout(DrawableText(text), FaceFor(spec).font);
 	layout.setTextOption(OneLine());
 	layout.beginLayout();
 	QTextLine line = layout.createLine();
