@@ -80,16 +80,34 @@ public:
 		owner->SetLowColor(ground);
 		owner->FillRect(cell);
 		owner->SetHighColor(IsSelected() ? rgb_color{255, 255, 255, 255} : rgb_color{0, 0, 0, 255});
-		static const char* const kForms[kColumns] = {"document_%06u.txt", "Suffix %u", "%u bytes",
-			"rw-r--r-- %u", "Mon, Mar 1 1999, %u", "Fri, May 9 2003, %u", "owner %u"};
-		if (column < 0)
-			return;
-		char text[64];
-		std::snprintf(text, sizeof text, kForms[column], fNumber);
-		owner->DrawString(text, BPoint(cell.left + 4, cell.top + 14));
+		const std::string text = CellText(column);
+		owner->DrawString(text.c_str(), BPoint(cell.left + 4, cell.top + 14));
 	}
 
 private:
+	// As the columns of a folder: names, sizes and times are different in each row.
+	std::string CellText(int32 column) const
+	{
+		const std::string number = std::to_string(fNumber);
+		switch (column) {
+			case 0:
+				return "document_" + number + ".txt";
+			case 1:
+				return "Kind " + std::to_string(fNumber % 20);
+			case 2:
+				return number + " bytes";
+			case 3:
+				return "rw-r--r--";
+			case 4:
+				return "Mon, Mar " + std::to_string(fNumber % 28 + 1) +
+					" 1999, 12:" + std::to_string(fNumber % 50 + 10);
+			case 5:
+				return "Fri, May 9 2003";
+			default:
+				return "";
+		}
+	}
+
 	const uint32 fNumber;
 	const int32 fPlace;
 };
