@@ -16,6 +16,7 @@ from Xlib import X, XK, display
 from Xlib.ext import xtest
 
 import session
+import start
 
 LIMIT_CPU_MS = 3
 LIMIT_KEY_MS = 3
@@ -59,7 +60,7 @@ def wait_for_change(desktop):
     return 1000 * (time.monotonic() - started)
 
 
-def held_key(desktop, keys, processes):
+def held_key(keys, processes):
     """Processor time of each process for each key, in ms."""
     before = [processor_time(process) for process in processes]
     started = time.monotonic()
@@ -81,11 +82,6 @@ def single_keys(desktop, keys):
     return times
 
 
-def row(what, figure, limit, beside):
-    print("%-44s %10.2f ms   at most  %7g   %s" % (what, figure, limit, beside), flush=True)
-    return figure <= limit
-
-
 def main():
     with session.Session(1320, 900) as desktop:
         process, _ = desktop.launch(sys.argv[1:])
@@ -95,15 +91,16 @@ def main():
             for _ in range(3):  # the first one selects a row, and caches are filled
                 keys.press("Next")
                 time.sleep(0.2)
-            program, server = held_key(desktop, keys, [process.pid, desktop.server.pid])
+            program, server = held_key(keys, [process.pid, desktop.server.pid])
             times = single_keys(desktop, keys)
         finally:
             process.kill()
             process.wait()
-    good = row("processor time of a page, X server included", program + server, LIMIT_CPU_MS,
-               "program %.2f, server %.2f" % (program, server))
-    good &= row("from key to first pixel", statistics.median(times), LIMIT_KEY_MS, "median")
-    good &= row("  at worst", max(times), LIMIT_WORST_MS, "of %d" % SINGLE_KEYS)
+    good = start.row("processor time of a page, X server included", program + server, "ms",
+                     LIMIT_CPU_MS, "program %.2f, server %.2f" % (program, server))
+    good &= start.row("from key to first pixel", statistics.median(times), "ms", LIMIT_KEY_MS,
+                      "median")
+    good &= start.row("  at worst", max(times), "ms", LIMIT_WORST_MS, "of %d" % SINGLE_KEYS)
     return 0 if good else 1
 
 

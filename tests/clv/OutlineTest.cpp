@@ -182,7 +182,7 @@ RunSteps(unsigned seed, int steps, unsigned mostAtOnce)
 			ASSERT_EQ(list->AddList(&added, static_cast<int32>(index)),
 				fitting == static_cast<size_t>(added.CountItems()));
 		} else if (action == 6) {
-			const size_t asked = 1 + random() % 4;
+			const size_t asked = 1 + random() % (random() % 8 == 0 ? 5 * mostAtOnce : 4);
 			size_t end = std::min(index + asked, count);
 			uint32 lowest = UINT32_MAX;
 			for (size_t i = index; i < end; i++)
