@@ -178,7 +178,7 @@ Print(
 
 // What events cost in a list of so many rows.
 struct Costs {
-	double add, addLast, removeLast, find, invalidate, select, page, row, hover, resize;
+	double addEach, add, addLast, removeLast, find, invalidate, select, page, row, hover, resize;
 };
 
 class BenchWindow : public BWindow {
@@ -235,6 +235,9 @@ private:
 		List* list = new List(hierarchical);
 		AddChild(list->container);
 		Costs costs;
+		costs.addEach = EachOf(
+			count, [&, i = size_t(0)](uint32) mutable { list->AddItem(rows.owned[i++].get()); });
+		list->MakeEmpty();
 		costs.add = 1000 / double(count) * Milliseconds([&] { list->AddList(&rows.list); });
 		UpdateIfNeeded();
 		int32 next = 0;
@@ -282,6 +285,7 @@ private:
 			std::snprintf(text, sizeof text, "%s%s", kind, what);
 			Print(text, figure, unit, limit, "of 1,000: %.2f", other);
 		};
+		print("a million rows one by one, a row", many.addEach, "us", 1, few.addEach);
 		print("a million rows at once, a row", many.add, "us", 1, few.add);
 		print("a row at the end of a million", many.addLast, "us", 20, few.addLast);
 		print("  removing the last one", many.removeLast, "us", 20, few.removeLast);
