@@ -296,6 +296,13 @@ TEST(ColumnListWindow, IndentedCellsAndArrowsEndWithTheirColumns)
 	it.User().Click(36, it.RowY(1));
 	it.window.Settle();
 	EXPECT_EQ(it.list->CurrentSelection(), 1); // no arrow there
+	it.Under([&] {
+		it.list->ColumnAt(1)->SetWidth(40); // 21-61
+		return 0;
+	});
+	it.window.Settle();
+	EXPECT_EQ(it.list->rows[1]->cells[1], BRect(41, 20, 61, 39));
+	EXPECT_EQ(it.list->rows[0]->cells[1], BRect(21, 0, 61, 19));
 }
 
 TEST(ColumnListWindow, RowsHearOfThePointer)
