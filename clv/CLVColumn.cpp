@@ -31,8 +31,10 @@ CLVColumn::~CLVColumn()
 {
 	if (fParent != nullptr)
 		fParent->RemoveColumn(this);
-	if (fKeyOf != nullptr)
+	if (fKeyOf != nullptr) {
+		ViewLock lock(fKeyOf);
 		fKeyOf->DropSortKey(this);
+	}
 }
 
 void
@@ -75,9 +77,10 @@ CLVColumn::SetShown(bool shown)
 void
 CLVColumn::SetSortMode(CLVSortMode mode)
 {
-	if (fParent != nullptr)
+	if (fParent != nullptr) {
+		ViewLock lock(fParent);
 		fParent->SetSortMode(fParent->IndexOfColumn(this), mode);
-	else
+	} else
 		fSortMode = mode;
 }
 

@@ -95,7 +95,8 @@ void
 CLVColumnLabelView::DrawLabel(const CLVColumn& column)
 {
 	const BRect bounds = Bounds();
-	BRegion cell(BRect(column.Begin(), bounds.top, column.End(), bounds.bottom));
+	// A long label leaves the separator as it is.
+	BRegion cell(BRect(column.Begin(), bounds.top, column.End() - 1, bounds.bottom));
 	ConstrainClippingRegion(&cell);
 	const float baseline = bounds.top + kTextTop + fAscent;
 	if (&column == fClickedColumn && !fResizing)

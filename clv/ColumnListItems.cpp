@@ -16,40 +16,66 @@ ColumnListView::AddItem(CLVListItem* item)
 bool
 ColumnListView::AddItem(CLVListItem* item, int32 index)
 {
-	if (item == nullptr || index < 0 || index > fRows.CountItems() || fRows.HasItem(item))
-		return false;
-	if (fHierarchical) {
-		if (!AddItemPrivate(item, index))
-			return false;
-	} else {
-		if (!BListView::AddItem(item, index))
-			return false;
-		fRows.Insert(index, item, true);
-	}
-	RowsChanged();
-	return true;
+	BList one(1);
+	return one.AddItem(static_cast<BListItem*>(item)) && AddRows(one, index);
 }
 
+// Adds rows behind each other, up to the first one that does not fit; then it is false. Many go in
+// as quickly as one.
 bool
-ColumnListView::AddItemPrivate(CLVListItem* item, int32 index)
+ColumnListView::AddRows(const BList& items, int32 index)
 {
-	bool visible = true;
-	if (item->OutlineLevel() > 0) {
-		const CLVListItem* parent = fRows.ItemAt(fRows.LastBelowLevel(index, item->OutlineLevel()));
-		if (parent == nullptr)
+	if (index < 0 || index > fRows.CountItems())
+		return items.IsEmpty();
+	const int32 position = fRows.CountVisibleBefore(index);
+	BList visibleOnes(items.CountItems());
+	int32 end = index;
+	while (end - index < items.CountItems()) {
+		CLVListItem* item = static_cast<CLVListItem*>(items.ItemAt(end - index));
+		bool visible = true;
+		if (item == nullptr || !FitsAt(*item, end, &visible) || !fRows.Insert(end, item, visible))
+			break;
+		end++;
+		if (visible)
+			visibleOnes.AddItem(static_cast<BListItem*>(item));
+	}
+	if (end > index) {
+		if (!visibleOnes.IsEmpty() && !BListView::AddList(&visibleOnes, position)) {
+			fRows.Remove(index, end - index);
 			return false;
-		visible = parent->fVisible && parent->BListItem::IsExpanded();
+		}
+		TakeOverRowsBehind(index, end);
+		RowsChanged();
 	}
-	if (!fRows.Insert(index, item, visible))
-		return false;
-	if (visible && !BListView::AddItem(item, fRows.CountVisibleBefore(index))) {
-		fRows.Remove(index, 1);
-		return false;
+	return end - index == items.CountItems();
+}
+
+// Whether a row of this level may stand there, and whether it would be visible.
+bool
+ColumnListView::FitsAt(const CLVListItem& item, int32 index, bool* visible) const
+{
+	if (!fHierarchical || item.OutlineLevel() == 0)
+		return true;
+	const CLVListItem* parent = fRows.ItemAt(fRows.LastBelowLevel(index, item.OutlineLevel()));
+	*visible = parent != nullptr && parent->fVisible && parent->BListItem::IsExpanded();
+	return parent != nullptr;
+}
+
+// Rows that were put before rows of deeper levels have these below them from now on.
+void
+ColumnListView::TakeOverRowsBehind(int32 index, int32 end)
+{
+	const CLVListItem* behind = fRows.ItemAt(end);
+	if (!fHierarchical || behind == nullptr)
+		return;
+	int32 outermost = -1;
+	int32 parent = fRows.LastBelowLevel(end, behind->OutlineLevel());
+	while (parent >= index) {
+		outermost = parent;
+		parent = fRows.LastBelowLevel(parent, fRows.ItemAt(parent)->OutlineLevel());
 	}
-	// Put before rows of deeper levels it takes these over.
-	if (fRows.EndOfSubtree(index) > index + 1)
-		ShowOrHideUnder(index);
-	return true;
+	if (outermost >= 0)
+		ShowOrHideUnder(outermost);
 }
 
 bool
@@ -82,11 +108,7 @@ ColumnListView::AddList(BList* items)
 bool
 ColumnListView::AddList(BList* items, int32 index)
 {
-	for (int32 i = 0; i < items->CountItems(); i++) {
-		if (!AddItem(static_cast<CLVListItem*>(items->ItemAt(i)), index + i))
-			return false;
-	}
-	return true;
+	return items != nullptr && AddRows(*items, index);
 }
 
 bool

@@ -65,6 +65,7 @@ ColumnListView::SetSortMode(int32 index, CLVSortMode mode)
 void
 ColumnListView::ReverseSortMode(int32 index)
 {
+	ViewLock lock(this);
 	const CLVColumn* column = ColumnAt(index);
 	if (column == nullptr)
 		return;
@@ -84,6 +85,7 @@ ColumnListView::ReverseSortMode(int32 index)
 int32
 ColumnListView::Sorting(int32* keys, CLVSortMode* modes) const
 {
+	ViewLock lock(const_cast<ColumnListView*>(this));
 	for (size_t i = 0; i < fSortKeys.size(); i++) {
 		keys[i] = IndexOfColumn(fSortKeys[i]);
 		modes[i] = fSortKeys[i]->SortMode();

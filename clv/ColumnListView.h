@@ -7,8 +7,8 @@
 // either deletes both.
 // Owners: the list deletes its columns, never its rows; a row is taken out before it is deleted,
 //   unless the list goes first.
-// Thread: columns, sorting, Expand() and Collapse() lock the window themselves; all else needs its
-//   lock.
+// Thread: what changes columns, all of sorting, Expand() and Collapse() lock the window themselves;
+//   all else, asking for columns included, needs its lock.
 // Cost, for n rows: adding, removing and looking up O(n / 500) at most, besides moving an array of
 //   pointers; showing and hiding k rows O(k). Indices are those of all rows, those of an outline
 //   that are hidden included ("full"), unless they are said to be of visible rows.
@@ -26,8 +26,9 @@ class CLVColumnLabelView;
 class CLVContainerView;
 class ScrollViewCorner;
 
-// -1, 0 or 1 as `a` comes before, with or behind `b` in ascending order of that column. Other
-// positive answers move nothing in an outline; contradictions make sorting it slow.
+// -1, 0 or 1 as `a` comes before, with or behind `b` in ascending order of that column, which is -1
+// for a key that RemoveColumns() has left behind. Other positive answers move nothing in an
+// outline; contradictions make sorting it slow.
 typedef int (*CLVSortFunction)(const CLVListItem* a, const CLVListItem* b, int32 column);
 
 class ColumnListView : public BListView {
@@ -76,7 +77,8 @@ public:
 	virtual bool AddUnder(CLVListItem* item, CLVListItem* superItem); // behind all rows there
 	virtual bool AddItem(CLVListItem* item, int32 index);
 	virtual bool AddItem(CLVListItem* item);
-	bool AddList(BList* items) override; // what was added before a failure stays
+	// Many at once are added as quickly as one. What comes before one that does not fit stays.
+	bool AddList(BList* items) override;
 	bool AddList(BList* items, int32 index) override;
 	virtual bool RemoveItem(CLVListItem* item); // with all rows below it, as the next two
 	BListItem* RemoveItem(int32 index) override;
@@ -142,7 +144,9 @@ private:
 	bool IsSortKey(const CLVColumn* column) const;
 	void InvalidateLabel(const CLVColumn* column);
 
-	bool AddItemPrivate(CLVListItem* item, int32 index);
+	bool AddRows(const BList& items, int32 index);
+	bool FitsAt(const CLVListItem& item, int32 index, bool* visible) const;
+	void TakeOverRowsBehind(int32 index, int32 end);
 	void RowsChanged();
 	void ShowOrHideUnder(int32 index);
 	template <typename Visit>

@@ -114,6 +114,9 @@ private:
 		const int32 middle = begin + (end - begin) / 2;
 		Merge(begin, middle, room);
 		Merge(middle, end, room);
+		// Most lists are sorted again after a few rows changed.
+		if (Compare(fOrder[At(middle - 1)], fOrder[At(middle)]) != 1)
+			return;
 		std::copy(fOrder.begin() + begin, fOrder.begin() + end, room.begin() + begin);
 		size_t left = At(begin), right = At(middle);
 		for (size_t to = At(begin); to < At(end); to++) {

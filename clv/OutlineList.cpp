@@ -112,6 +112,8 @@ OutlineList::CountVisibleBefore(int32 index) const
 		return 0;
 	const Block& block = *fBlocks[BlockAt(std::min(index, fCount) - 1)];
 	LocateVisible(block.number);
+	if (block.visible == static_cast<int32>(block.items.size())) // as in a list without an outline
+		return block.firstVisible + std::min(index, fCount) - block.first;
 	auto end = block.items.begin() + (std::min(index, fCount) - block.first);
 	return block.firstVisible +
 		static_cast<int32>(std::count_if(

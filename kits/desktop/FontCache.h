@@ -4,6 +4,8 @@
 
 #pragma once
 
+#include "PlainText.h"
+
 #include <desktop/Canvas.h>
 
 #include <QFont>
@@ -60,6 +62,8 @@ private:
 	struct Face {
 		FontSpec spec;
 		QFont font;
+		FontHeights heights;
+		PlainText plain;
 	};
 	// Making a font of another size is slow and starts with no glyphs rendered.
 	struct ScaledFont {
@@ -68,8 +72,10 @@ private:
 		QRawFont scaled;
 	};
 
-	const QFont& FontFor(const FontSpec& spec);
+	Face& FaceFor(const FontSpec& spec);
 	QRawFont Scaled(const QRawFont& font, double scale);
+	// At scale 1.
+	QList<QGlyphRun> RunsOf(Face& face, std::string_view text, float* width);
 	std::shared_ptr<ShapedText> Layout(const FontSpec& spec, double scale, std::string_view text);
 
 	std::vector<Face> fFaces;

@@ -108,12 +108,12 @@ FontCache::ForgetCurrent()
 	tCache.reset();
 }
 
-const QFont&
-FontCache::FontFor(const FontSpec& spec)
+FontCache::Face&
+FontCache::FaceFor(const FontSpec& spec)
 {
-	for (const Face& face : fFaces) {
+	for (Face& face : fFaces) {
 		if (face.spec == spec)
-			return face.font;
+			return face;
 	}
 	if (fFaces.size() == kMaxFonts)
 		fFaces.clear();
@@ -123,15 +123,16 @@ FontCache::FontFor(const FontSpec& spec)
 	font.setPixelSize(std::clamp(qRound(spec.size), 1, 1000));
 	if (spec.face == FontFace::kBold)
 		font.setBold(true);
-	return fFaces.emplace_back(Face{spec, font}).font;
+	const QFontMetricsF metrics(font);
+	const FontHeights heights = {std::max(0.0f, float(metrics.ascent())),
+		std::max(0.0f, float(metrics.descent())), std::max(0.0f, float(metrics.leading()))};
+	return fFaces.emplace_back(Face{spec, font, heights, {}});
 }
 
 FontHeights
 FontCache::Heights(const FontSpec& spec)
 {
-	const QFontMetricsF metrics(FontFor(spec));
-	return {std::max(0.0f, float(metrics.ascent())), std::max(0.0f, float(metrics.descent())),
-		std::max(0.0f, float(metrics.leading()))};
+	return FaceFor(spec).heights;
 }
 
 QRawFont
@@ -149,11 +150,13 @@ FontCache::Scaled(const QRawFont& font, double scale)
 	return scaled;
 }
 
-std::shared_ptr<ShapedText>
-FontCache::Layout(const FontSpec& spec, double scale, std::string_view text)
+QList<QGlyphRun>
+FontCache::RunsOf(Face& face, std::string_view text, float* width)
 {
-	auto shaped = std::make_shared<ShapedText>();
-	QTextLayout layout(DrawableText(text), FontFor(spec));
+	QGlyphRun composed;
+	if (face.plain.Compose(text, &composed, width))
+		return {composed};
+	QTextLayout layout(DrawableText(text), face.font);
 	layout.setTextOption(OneLine());
 	layout.beginLayout();
 	QTextLine line = layout.createLine();
@@ -163,9 +166,18 @@ FontCache::Layout(const FontSpec& spec, double scale, std::string_view text)
 	}
 	layout.endLayout();
 	if (!line.isValid())
-		return shaped;
-	shaped->width = float(line.horizontalAdvance());
+		return {};
+	*width = float(line.horizontalAdvance());
 	const QList<QGlyphRun> runs = layout.glyphRuns();
+	face.plain.Learn(text, runs, line.horizontalAdvance());
+	return runs;
+}
+
+std::shared_ptr<ShapedText>
+FontCache::Layout(const FontSpec& spec, double scale, std::string_view text)
+{
+	auto shaped = std::make_shared<ShapedText>();
+	const QList<QGlyphRun> runs = RunsOf(FaceFor(spec), text, &shaped->width);
 	for (QGlyphRun run : runs) {
 		if (scale != 1.0) {
 			QList<QPointF> positions = run.positions();

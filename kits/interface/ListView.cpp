@@ -191,6 +191,9 @@ MergeSort(void** items, void** room, size_t count, int (*compare)(const void*, c
 	const size_t half = count / 2;
 	MergeSort(items, room, half, compare);
 	MergeSort(items + half, room, count - half, compare);
+	// Most lists are sorted again after a few rows changed.
+	if (compare(items + half, items + half - 1) >= 0)
+		return;
 	std::copy(items, items + half, room);
 	void** left = room;
 	void** const leftEnd = room + half;

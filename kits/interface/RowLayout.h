@@ -4,9 +4,10 @@
 // plus one each, end.
 //
 // Computes in double: a float loses whole pixels some 880,000 rows down. Tops are exact sums.
-// Thread: one at a time, queries too (they move an internal cursor).
-// Cost, for n rows in blocks of about a thousand: a query O(n / 1000), next to the last one O(1);
-//   adding and removing k rows anywhere O(k + n / 1000).
+// Thread: one at a time, queries too (they remember where they looked).
+// Cost, for n rows in blocks of about a thousand: a query O(log n), after a change far above
+//   O(n / 1000); among rows of different heights besides O(1000), next to the last one O(1). Adding
+//   and removing k rows anywhere O(k + n / 1000).
 
 #pragma once
 
@@ -31,24 +32,36 @@ public:
 
 private:
 	struct Block { // never empty
+		explicit Block(std::vector<float> rows);
+		int32 Count() const { return static_cast<int32>(heights.size()); }
+		bool IsEven() const { return alike == Count(); }
+
 		std::vector<float> heights;
 		double extent = 0; // of all its rows
+		int32 alike = 0;   // so many rows are as high as the first one
+		// Where it starts, once that is known.
+		int32 firstRow = 0;
+		double top = 0;
 	};
-	// A row, its block, and where both start.
+	// A row of an uneven block, and where it starts in there.
 	struct Cursor {
 		size_t block = 0;
-		int32 firstRow = 0;
-		double blockTop = 0;
-		int32 index = 0; // of the row in the block
-		double rowTop = 0;
+		int32 index = 0;
+		double top = 0;
 	};
 
-	void Seek(int32 row) const;
+	void Changed(size_t block);
+	void LocateNext() const;
+	size_t BlockOf(int32 row) const;
+	size_t BlockAt(double y) const;
+	double TopInBlock(size_t number, int32 index) const;
+	int32 IndexInBlock(size_t number, double y) const;
 	void SplitInto(size_t block, const std::vector<float>& heights);
 
-	std::vector<Block> fBlocks;
+	mutable std::vector<Block> fBlocks;
 	int32 fCount = 0;
 	double fTotal = 0;
+	mutable size_t fLocated = 0; // so many blocks know where they start
 	mutable Cursor fCursor;
 };
 

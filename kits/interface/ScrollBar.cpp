@@ -127,8 +127,11 @@ BScrollBar::GetSteps(float* small, float* large) const
 void
 BScrollBar::SetProportion(float proportion)
 {
+	proportion = std::clamp(proportion, 0.0f, 1.0f);
+	if (proportion == fProportion)
+		return;
 	ScrollBarLayout before = Layout();
-	fProportion = std::clamp(proportion, 0.0f, 1.0f);
+	fProportion = proportion;
 	RedrawIfMoved(before);
 }
 

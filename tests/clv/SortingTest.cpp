@@ -61,12 +61,12 @@ TEST(ExchangeOrder, IsThatOfThePlainSort)
 	for (int round = 0; round < 2500; round++) {
 		const int32 count = static_cast<int32>(random() % 120);
 		std::vector<int> keys(static_cast<size_t>(count));
-		const unsigned different = 1 + random() % (round % 3 == 0 ? 4 : 100);
+		const unsigned different = random() % 2 == 0 ? 1 + random() % 4 : 100;
 		for (int& key : keys)
 			key = static_cast<int>(random() % different);
 		const auto key = [&](int32 item) { return keys[static_cast<size_t>(item)]; };
 		NumberedCompare compare;
-		switch (round % 5) {
+		switch (round % 6) {
 			case 0: // tells only whether it is behind
 				compare = [&](int32 a, int32 b) { return key(a) > key(b) ? 1 : 0; };
 				break;
@@ -75,6 +75,12 @@ TEST(ExchangeOrder, IsThatOfThePlainSort)
 				break;
 			case 2: // in a circle
 				compare = [&](int32 a, int32 b) { return (key(a) - key(b) + 300) % 3 - 1; };
+				break;
+			case 3: // in a circle in which neighbours agree
+				compare = [&](int32 a, int32 b) {
+					const int ahead = (key(b) - key(a) + 101) % 101;
+					return different < 100 || ahead == 0 ? 0 : ahead <= 50 ? -1 : 1;
+				};
 				break;
 			default:
 				compare = [&](int32 a, int32 b) { return Sign(key(a), key(b)); };
@@ -131,6 +137,7 @@ TEST(Sorting, ReversingGoesRoundInThree)
 	EXPECT_EQ(list->Shown(), (std::vector<int>{1, 2, 3}));
 	list->ReverseSortMode(0);
 	EXPECT_EQ(list->Shown(), (std::vector<int>{3, 2, 1}));
+	EXPECT_EQ(list->FullListItemAt(0), list->ItemAt(0));
 	EXPECT_EQ(KeysOf(list.list), (Keys{{0}, {CLV_SORT_DESCENDING}}));
 	list->ReverseSortMode(0);
 	EXPECT_EQ(KeysOf(list.list), (Keys{}));

@@ -8,6 +8,7 @@
 
 #include <interface/ScrollView.h>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,6 +24,7 @@ public:
 	{
 		owner->SetHighColor(static_cast<uint8>(10 * (column + 2)), 100, IsSelected() ? 200 : 0);
 		owner->FillRect(rect);
+		cells[column] = rect;
 	}
 	void MouseOver(ColumnListView*, BPoint, uint32 transit, const BMessage*) override
 	{
@@ -36,6 +38,7 @@ public:
 
 	int keys[2];
 	std::vector<uint32> transits;
+	std::map<int32, BRect> cells; // by their columns, as drawn last
 };
 
 inline int

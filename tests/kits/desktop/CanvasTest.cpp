@@ -5,6 +5,7 @@
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
+#include <random>
 #include <string>
 #include <thread>
 
@@ -320,6 +321,33 @@ TEST(CanvasText, IsTheSameInEveryThread)
 		thread.join();
 	for (const std::string& picture : pictures)
 		EXPECT_EQ(picture, Letters(expected));
+}
+
+TEST(CanvasText, DoesNotDependOnWhatWasDrawnBefore)
+{
+	// Kerning, joined letters, letters that the font lacks.
+	const std::vector<std::string> parts = {"Wave", "AVATAR", "To", "fi", "ffl", " ", "r.", "19",
+		"_", "\xc3\xa9", "e\xcc\x81", "\xd7\x90", "j(", "Ty-", "\t"};
+	std::mt19937 random(3);
+	for (int i = 0; i < 150; i++) {
+		std::string text;
+		for (unsigned count = 1 + random() % 4; count > 0; count--)
+			text += parts[random() % parts.size()];
+		const FontSpec font{
+			i % 3 == 0 ? FontFace::kBold : FontFace::kPlain, i % 5 == 0 ? 15.0f : 12.0f};
+		const auto show = [&](float* width) {
+			Canvas canvas(200, 40, i % 4 == 0 ? 1.5 : 1.0);
+			canvas.DrawText(3, 20, text.data(), text.size(), font, Ink());
+			*width = WidthOf(font, text.data(), text.size());
+			return Letters(canvas);
+		};
+		float width = 0, freshWidth = 0;
+		const std::string picture = show(&width);
+		std::string freshPicture; // of a thread that has seen no other text
+		std::thread([&] { freshPicture = show(&freshWidth); }).join();
+		EXPECT_EQ(width, freshWidth) << text;
+		EXPECT_EQ(picture, freshPicture) << text;
+	}
 }
 
 TEST(CanvasText, FontsHaveSensibleHeights)
