@@ -216,7 +216,9 @@ MenuTracker::MouseUp(BPoint where, uint32 buttonsLeft, bigtime_t when)
 		return;
 	const int32 level = _PaneAt(where);
 	const int32 row = level >= 0 ? _RowAt(level, where) : -1;
-	if (row >= 0 && fPanes[level].rows->At(row).CanBeChosen())
+	// Who holds the button to see the menu, and then lets it go, has not chosen what came to lie
+	// under the pointer.
+	if (row >= 0 && fStrayed && fPanes[level].rows->At(row).CanBeChosen())
 		_Choose(level, row);
 	else if (level < 0 && !fStart.clickToOpen.Contains(where))
 		Cancel();

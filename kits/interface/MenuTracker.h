@@ -41,7 +41,7 @@ public:
 		BRect screen; // of which the menu keeps inside
 		BPoint pointer;
 		bool held;         // a button is down
-		bool stays;        // a release where the press was leaves it open, however late
+		bool stays;        // a late release beside it, where the press was, leaves it open
 		BRect clickToOpen; // so does one in here; may be invalid
 		bigtime_t when;
 	};

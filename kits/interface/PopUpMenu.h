@@ -30,8 +30,8 @@ public:
 	//
 	// Without `openAnyway` nothing is opened unless a mouse button is down or the message being
 	// handled is a press. A menu opened with the button down takes the release over an item as the
-	// choice; a release that comes soon at the same place, or in `clickToOpen` (on the screen),
-	// leaves it open for a click. With `openAnyway` any release at the same place does.
+	// choice, and elsewhere as none; but a click, or a release in `clickToOpen` (on the screen),
+	// leaves it open for another click. With `openAnyway` so does a late release at the same place.
 	BMenuItem* Go(
 		BPoint where, bool deliversMessage = false, bool openAnyway = false, bool async = false);
 	BMenuItem* Go(
