@@ -28,6 +28,8 @@ bool WaitForDesktop();
 
 // The main screen in logical pixels.
 struct PixelRect ScreenFrame();
+// The screen that the point is on; the main one for a point on none.
+struct PixelRect ScreenFrameAt(int32 x, int32 y);
 
 // How long two presses may be apart to count as a double click; microseconds.
 bigtime_t ClickSpeed();

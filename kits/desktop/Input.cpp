@@ -5,6 +5,7 @@
 #include "Input.h"
 
 #include "Keys.h"
+#include "PopUps.h"
 
 #include <QDropEvent>
 #include <QEnterEvent>
@@ -34,18 +35,24 @@ Cache()
 	return *sCache;
 }
 
+uint32 sIgnoredButtons = 0; // GUI thread
+
 class InputWatcher : public QObject {
 public:
 	explicit InputWatcher(QObject* parent) : QObject(parent) {}
 
 	bool eventFilter(QObject* receiver, QEvent* event) override
 	{
-		if (receiver->isWindowType())
-			Note(*static_cast<QWindow*>(receiver), *event);
-		return false;
+		if (!receiver->isWindowType())
+			return false;
+		QWindow& window = *static_cast<QWindow*>(receiver);
+		const bool ignored = IsIgnored(*event);
+		Note(window, *event);
+		return ignored || RouteToPopUps(window, *event);
 	}
 
 private:
+	static bool IsIgnored(const QEvent& event);
 	void Note(const QWindow& window, const QEvent& event);
 	void NotePoint(const QSinglePointEvent& event);
 	void NoteDrag(const QWindow& window, const QDropEvent& event);
@@ -53,6 +60,28 @@ private:
 
 	ModifierTracker fModifiers;
 };
+
+// Also forgets the ignored buttons that are up again.
+bool
+InputWatcher::IsIgnored(const QEvent& event)
+{
+	if (sIgnoredButtons == 0)
+		return false;
+	switch (event.type()) {
+		case QEvent::MouseButtonPress:
+			sIgnoredButtons = 0;
+			return false;
+		case QEvent::MouseMove:
+		case QEvent::MouseButtonRelease: {
+			const auto& mouse = static_cast<const QMouseEvent&>(event);
+			const bool wasIgnored = (sIgnoredButtons & ToButtons(mouse.button())) != 0;
+			sIgnoredButtons &= ToButtons(mouse.buttons());
+			return wasIgnored || sIgnoredButtons != 0;
+		}
+		default:
+			return false;
+	}
+}
 
 void
 InputWatcher::Note(const QWindow& window, const QEvent& event)
@@ -97,7 +126,7 @@ InputWatcher::NotePoint(const QSinglePointEvent& event)
 	InputState& state = Cache().state;
 	state.x = float(event.globalPosition().x());
 	state.y = float(event.globalPosition().y());
-	state.buttons = ToButtons(event.buttons());
+	state.buttons = ToButtons(event.buttons()) & ~sIgnoredButtons;
 	state.modifiers = modifiers;
 }
 
@@ -136,6 +165,14 @@ void
 WatchInput()
 {
 	qGuiApp->installEventFilter(new InputWatcher(qGuiApp));
+}
+
+void
+IgnoreHeldButtons()
+{
+	sIgnoredButtons = ToButtons(QGuiApplication::mouseButtons());
+	std::lock_guard lock(Cache().lock);
+	Cache().state.buttons = 0;
 }
 
 uint32

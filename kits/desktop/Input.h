@@ -16,6 +16,10 @@ namespace desktop {
 // Needs the application object, which owns the watcher.
 void WatchInput();
 
+// The buttons held now count as released for everybody, and nobody hears of their release: the
+// press was for something that is gone. Ended by the next press.
+void IgnoreHeldButtons();
+
 uint32 ToButtons(Qt::MouseButtons buttons); // those that we know
 
 WheelEvent TranslateWheel(const QWheelEvent& event, uint32 modifiers, bigtime_t when);

@@ -68,6 +68,12 @@ NativeWindow::Activate()
 }
 
 void
+NativeWindow::ForgetButtons()
+{
+	PostGui([peer = fPeer] { peer->window->ForgetButtons(); });
+}
+
+void
 NativeWindow::SetTitle(const std::string& title)
 {
 	PostGui([peer = fPeer, title] { peer->window->setTitle(QString::fromUtf8(title.c_str())); });

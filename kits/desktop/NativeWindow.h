@@ -61,7 +61,10 @@ public:
 	virtual void WindowModifiers(uint32 modifiers, bigtime_t when) = 0;
 };
 
-enum class WindowKind { kTitled, kDialog };
+// A pop-up has no decoration. From Show() to Hide() all mouse and key events of the program are its
+// own, wherever the pointer is; with another pop-up open they stay the first one's. It never gets
+// the focus; when the program loses that it is asked to close.
+enum class WindowKind { kTitled, kDialog, kPopUp };
 
 // Thread: any one at a time. Show(), Hide(), Scale(), Present() and the destructor wait for the
 // GUI thread, the others leave a job to it. With the display gone every call does nothing.
@@ -89,6 +92,8 @@ public:
 	void Hide();
 	bool IsShown() const;
 	void Activate();
+	// The client hears of no release of the buttons that are held.
+	void ForgetButtons();
 
 	void SetTitle(const std::string& title);
 	void MoveTo(int32 x, int32 y);

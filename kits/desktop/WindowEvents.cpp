@@ -11,6 +11,8 @@
 #include <QGuiApplication>
 #include <QInputMethod>
 
+#include <utility>
+
 namespace desktop {
 
 bool
@@ -105,6 +107,41 @@ PeerWindow::TellLostReleases(const QMouseEvent& event)
 		fHeldButtons &= ~button;
 		TellMouse(MouseEvent::kUp, event.position(), event.globalPosition(), fHeldButtons, button);
 	}
+}
+
+void
+PeerWindow::ReleaseButtons()
+{
+	const uint32 held = std::exchange(fHeldButtons, 0);
+	if (held == 0)
+		return;
+	const InputState input = CurrentInput();
+	const QPointF screen(input.x, input.y);
+	TellMouse(MouseEvent::kUp, mapFromGlobal(screen), screen, 0, held);
+}
+
+void
+PeerWindow::TakePopUpInput(QEvent& event)
+{
+	if (event.type() == QEvent::KeyPress || event.type() == QEvent::KeyRelease) {
+		Key(static_cast<QKeyEvent*>(&event));
+		return;
+	}
+	if (event.type() == QEvent::Wheel) {
+		wheelEvent(static_cast<QWheelEvent*>(&event));
+		return;
+	}
+	const auto& mouse = static_cast<const QMouseEvent&>(event);
+	const uint32 button = ToButtons(mouse.button());
+	MouseEvent::Kind kind = MouseEvent::kMoved;
+	if (event.type() != QEvent::MouseMove) {
+		if (button == 0)
+			return;
+		kind = event.type() == QEvent::MouseButtonPress ? MouseEvent::kDown : MouseEvent::kUp;
+	}
+	const QPointF screen = mouse.globalPosition();
+	TellMouse(kind, mapFromGlobal(screen), screen, ToButtons(mouse.buttons()), button,
+		kind == MouseEvent::kDown ? 1 : 0);
 }
 
 void

@@ -5,6 +5,7 @@
 #include "WindowPeer.h"
 
 #include "CanvasData.h"
+#include "PopUps.h"
 
 #include <QGuiApplication>
 #include <QPaintEvent>
@@ -25,6 +26,8 @@ constexpr QRgb kPadding = qRgb(216, 216, 216);
 Qt::WindowFlags
 FlagsFor(const NativeWindow::Options& options)
 {
+	if (options.kind == WindowKind::kPopUp)
+		return Qt::Popup | Qt::FramelessWindowHint;
 	Qt::WindowFlags flags = options.kind == WindowKind::kDialog ? Qt::Dialog : Qt::Window;
 	if (options.closable && options.resizable)
 		return flags;
@@ -52,6 +55,7 @@ PeerWindow::PeerWindow(WindowClient& client, const PixelRect& frame, const std::
 	fClient(client),
 	fStore(this),
 	fResizable(options.resizable),
+	fIsPopUp(options.kind == WindowKind::kPopUp),
 	fToldSize(frame.Width(), frame.Height()),
 	fToldScale(devicePixelRatio())
 {
@@ -60,6 +64,11 @@ PeerWindow::PeerWindow(WindowClient& client, const PixelRect& frame, const std::
 	setTitle(QString::fromUtf8(title.c_str()));
 	setPosition(frame.left, frame.top); // of the content: the decoration goes around it
 	ResizeContent(fToldSize);
+}
+
+PeerWindow::~PeerWindow()
+{
+	PopUpClosed(*this);
 }
 
 void
@@ -90,7 +99,11 @@ PeerWindow::WindowBehind() const
 void
 PeerWindow::ShowFirst(const CanvasData& canvas, QWindow* parent)
 {
-	setTransientParent(parent == nullptr && type() == Qt::Dialog ? WindowBehind() : parent);
+	if (parent == nullptr && fIsPopUp)
+		parent = PopUpParent();
+	if (parent == nullptr && type() != Qt::Window)
+		parent = WindowBehind();
+	setTransientParent(parent);
 	create();
 	const QRect all(0, 0, canvas.width, canvas.height);
 	TakePicture(canvas, all);
@@ -99,6 +112,14 @@ PeerWindow::ShowFirst(const CanvasData& canvas, QWindow* parent)
 	// painted that is shown already.
 	if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
 		TakePicture(canvas, all);
+	if (fIsPopUp)
+		PopUpOpened(*this);
+}
+
+void
+PeerWindow::hideEvent(QHideEvent*)
+{
+	PopUpClosed(*this);
 }
 
 QImage*

@@ -20,6 +20,7 @@ class PeerWindow : public QWindow {
 public:
 	PeerWindow(WindowClient& client, const PixelRect& frame, const std::string& title,
 		const NativeWindow::Options& options);
+	~PeerWindow() override;
 
 	void ShowFirst(const CanvasData& canvas, QWindow* parent);
 	void TakePicture(const CanvasData& canvas, const QRegion& region);
@@ -28,11 +29,18 @@ public:
 	// What the window shows, in device pixels.
 	QImage Picture();
 
+	void ForgetButtons() { fHeldButtons = 0; }
+	void ReleaseButtons(); // the client is told of a release, if a button is held
+	// Of a pop-up: input that came to any of our windows.
+	void TakePopUpInput(QEvent& event);
+	void CloseByDesktop() { fClient.WindowCloseRequested(); }
+
 protected:
 	bool event(QEvent* event) override;
 	void paintEvent(QPaintEvent* event) override;
 	void timerEvent(QTimerEvent* event) override;
 	void resizeEvent(QResizeEvent* event) override;
+	void hideEvent(QHideEvent* event) override;
 	void moveEvent(QMoveEvent* event) override;
 	void mousePressEvent(QMouseEvent* event) override;
 	void mouseReleaseEvent(QMouseEvent* event) override;
@@ -64,6 +72,7 @@ private:
 	double fStoreScale = 0; // of the store's size
 	qsizetype fStoreRowLength = 0;
 	const bool fResizable;
+	const bool fIsPopUp;
 	QSize fToldSize;
 	double fToldScale;
 	QBasicTimer fLatePicture; // runs from a resize until its picture or too long a wait

@@ -10,13 +10,10 @@
 #include <interface/Modal.h>
 #include <interface/Screen.h>
 
-#include "kits/app/LooperCore.h"
-
 #include <algorithm>
 #include <cmath>
 
 static constexpr uint32 kMsgButton = '_ALB';
-static constexpr bigtime_t kServeInterval = 20000;
 static constexpr float kUsualWidth = 75;
 static constexpr float kMinAlertWidth = 260;
 static constexpr float kMargin = 10;
@@ -142,33 +139,12 @@ BAlert::ButtonAt(int32 index) const
 	return index >= 0 && index < 3 ? fButtons[index] : nullptr;
 }
 
-// The looper that runs in the calling thread, or null.
-static std::shared_ptr<BPrivate::LooperCore>
-CallersLooper()
-{
-	const thread_id self = find_thread(nullptr);
-	for (const auto& core : BPrivate::LooperRegistry::All()) {
-		if (core->thread == self)
-			return core;
-	}
-	return nullptr;
-}
-
-// The application cannot take its B_QUIT_REQUESTED while its own thread waits for an answer.
-static bool
-IsAskedToQuit(const BPrivate::LooperCore& core)
-{
-	bool asked = false;
-	core.Visit([&](const BMessage& message) { return asked = message.what == B_QUIT_REQUESTED; });
-	return asked;
-}
-
 // Starts the loop and asks for the window. Afterwards the alert may be gone at any time.
 bool
-BAlert::Open()
+BAlert::Open(bool queues)
 {
 	// First, since the loop's end undoes it.
-	BPrivate::AlertReady(this, BMessenger(this), CallersLooper() == nullptr);
+	BPrivate::AlertReady(this, BMessenger(this), queues);
 	if (Run() < 0) {
 		Quit();
 		return false;
@@ -186,32 +162,16 @@ BAlert::Go()
 	};
 	const std::shared_ptr<Outcome> outcome = fOutcome;
 	Closer closer{BMessenger(this)};
-	if (Open())
-		Wait(*outcome);
+	BPrivate::ModalCall call;
+	if (!Open(!call.IsOfLooper()))
+		return outcome->which;
+	call.Wait(outcome->answered, [&call] {
+		// A window that is asked to quit waits for the answer. The application cannot be told
+		// while its own thread waits: the answer is none.
+		if (call.Window() == nullptr)
+			BPrivate::CloseAllAlerts();
+	});
 	return outcome->which;
-}
-
-void
-BAlert::Wait(const Outcome& outcome)
-{
-	std::shared_ptr<BPrivate::LooperCore> caller = CallersLooper();
-	if (!caller) {
-		while (acquire_sem(outcome.answered) == B_INTERRUPTED) {
-		}
-		return;
-	}
-	BWindow* window = dynamic_cast<BWindow*>(caller->Looper());
-	while (
-		acquire_sem_etc(outcome.answered, 1, B_RELATIVE_TIMEOUT, kServeInterval) == B_TIMED_OUT) {
-		if (window != nullptr) {
-			// The hook may have given the lock to somebody else.
-			if (window->LockWithTimeout(0) == B_OK) {
-				window->_ServeWhileBlocked();
-				window->Unlock();
-			}
-		} else if (IsAskedToQuit(*caller))
-			BPrivate::CloseAllAlerts(); // the answer is none, and Go() returns
-	}
 }
 
 status_t
@@ -221,7 +181,7 @@ BAlert::Go(BInvoker* invoker)
 		fAnswer = std::make_unique<BMessage>(*invoker->Message());
 		fAnswerTarget = invoker->Messenger();
 	}
-	return Open() ? B_OK : B_ERROR;
+	return Open(!BPrivate::ModalCall().IsOfLooper()) ? B_OK : B_ERROR;
 }
 
 void

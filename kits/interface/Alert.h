@@ -57,8 +57,7 @@ private:
 		button_spacing spacing, alert_type type);
 	float AddButtons(BView* panel, const char* const labels[3], button_width width);
 	void PlaceButtons(float right, float bottom, button_spacing spacing);
-	bool Open();
-	static void Wait(const Outcome& outcome);
+	bool Open(bool queues);
 
 	BButton* fButtons[3] = {}; // views of the window
 	char fShortcuts[3] = {};

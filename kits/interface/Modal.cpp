@@ -2,12 +2,20 @@
 
 #include <interface/Modal.h>
 
+#include <app/AppDefs.h>
+#include <interface/Window.h>
+
+#include "kits/app/LooperCore.h"
+
 #include <algorithm>
 #include <deque>
 #include <mutex>
 #include <vector>
 
 namespace {
+
+// How often a window that waits looks whether it has to paint; microseconds.
+constexpr bigtime_t kServeInterval = 20000;
 
 struct Alert {
 	const BWindow* window; // an address only
@@ -97,5 +105,52 @@ BPrivate::AlertGone(const BWindow* window)
 		Alert next = registry.waiting.front();
 		registry.waiting.pop_front();
 		Open(registry, next);
+	}
+}
+
+BPrivate::ModalCall::ModalCall()
+{
+	const thread_id self = find_thread(nullptr);
+	for (const auto& core : LooperRegistry::All()) {
+		if (core->thread == self) {
+			fCaller = core;
+			fWindow = dynamic_cast<BWindow*>(core->Looper());
+		}
+	}
+}
+
+bool
+BPrivate::ModalCall::HandlesPress() const
+{
+	const BMessage* message = fWindow != nullptr ? fWindow->CurrentMessage() : nullptr;
+	return message != nullptr && message->what == B_MOUSE_DOWN;
+}
+
+void
+BPrivate::ModalCall::EndCapture()
+{
+	if (fWindow != nullptr)
+		fWindow->_EndCapture();
+}
+
+void
+BPrivate::ModalCall::Wait(sem_id done, const std::function<void()>& askedToQuit)
+{
+	if (!fCaller) {
+		while (acquire_sem(done) == B_INTERRUPTED) {
+		}
+		return;
+	}
+	while (acquire_sem_etc(done, 1, B_RELATIVE_TIMEOUT, kServeInterval) == B_TIMED_OUT) {
+		// The hook may have given the lock to somebody else.
+		if (fWindow != nullptr && fWindow->LockWithTimeout(0) == B_OK) {
+			fWindow->_ServeWhileBlocked();
+			fWindow->Unlock();
+		}
+		bool asked = false;
+		fCaller->Visit(
+			[&](const BMessage& message) { return asked = message.what == B_QUIT_REQUESTED; });
+		if (asked)
+			askedToQuit();
 	}
 }

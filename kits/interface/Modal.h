@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: MIT
 
-// Which alert has the input. While alerts are open every other window takes none, and of several
-// alerts only the newest does. Any thread.
+// Which alert has the input, and how a thread waits for the user. While alerts are open every other
+// window takes no input, and of several alerts only the newest does. Any thread.
 
 #pragma once
 
 #include <app/Messenger.h>
 
+#include <functional>
+#include <memory>
+
 class BWindow;
 
 namespace BPrivate {
+
+class LooperCore;
 
 // Posted to alerts.
 constexpr uint32 kMsgShowAlert = '_ALS';
@@ -29,5 +34,25 @@ void CloseAllAlerts();
 // that came before. Undone by AlertGone(), at the latest before the alert is freed.
 void AlertReady(const BWindow* alert, const BMessenger& messenger, bool queues);
 void AlertGone(const BWindow* alert);
+
+// A call in which the calling thread waits for what the user does in another window. When the
+// thread is a window's, that one repaints meanwhile and handles nothing.
+class ModalCall {
+public:
+	ModalCall();
+
+	bool IsOfLooper() const { return fCaller != nullptr; }
+	BWindow* Window() const { return fWindow; } // the calling thread's, or null
+	bool HandlesPress() const; // what the window's thread does now is the answer to a press
+	void EndCapture();         // who captures the mouse in the window gets its MouseUp()
+
+	// Until the semaphore is released. `askedToQuit` is called each time that the thread's looper
+	// is seen to have been asked to quit.
+	void Wait(sem_id done, const std::function<void()>& askedToQuit);
+
+private:
+	std::shared_ptr<LooperCore> fCaller;
+	BWindow* fWindow = nullptr;
+};
 
 } // namespace BPrivate

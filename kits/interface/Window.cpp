@@ -6,6 +6,7 @@
 
 #include <app/AppDefs.h>
 #include <interface/Button.h>
+#include <interface/MenuSession.h>
 #include <interface/Modal.h>
 
 #include "kits/interface/WindowEvents.h"
@@ -22,6 +23,21 @@ namespace {
 // Asks the window's own thread to make the desktop's window, so that the creator need not wait.
 constexpr uint32 kMsgShow = '_SHW';
 constexpr uint32 kMsgHide = '_HID';
+
+void
+CloseModalWindows()
+{
+	BPrivate::CloseAllAlerts();
+	BPrivate::CloseAllMenus();
+}
+
+desktop::WindowKind
+KindOf(window_type type)
+{
+	if (type == BPrivate::kPopUpWindow)
+		return desktop::WindowKind::kPopUp;
+	return type == B_MODAL_WINDOW ? desktop::WindowKind::kDialog : desktop::WindowKind::kTitled;
+}
 
 PixelRect
 FramePixels(const BRect& frame)
@@ -43,7 +59,7 @@ BWindow::BWindow(BRect frame, const char* title, window_type type, uint32 flags,
 	fTop(std::make_unique<BView>(Bounds(), nullptr, B_FOLLOW_ALL_SIDES, 0))
 {
 	_Core().isWindow = true;
-	BPrivate::SetQuitPreparation(BPrivate::CloseAllAlerts);
+	BPrivate::SetQuitPreparation(CloseModalWindows);
 	fTop->_Attach(this);
 	fTop->fAttachedCalled = true;
 }
@@ -71,6 +87,7 @@ BWindow::Quit()
 {
 	if (fMayShow) {
 		fMayShow = false;
+		BPrivate::CloseMenusOf(this);
 		if (fSurface->Native() != nullptr)
 			fSurface->Native()->Hide();
 		fTop->_CallDetached();
@@ -118,8 +135,7 @@ BWindow::_Realize()
 		return;
 	if (!fSurface->IsOpen()) {
 		desktop::NativeWindow::Options options;
-		options.kind =
-			fType == B_MODAL_WINDOW ? desktop::WindowKind::kDialog : desktop::WindowKind::kTitled;
+		options.kind = KindOf(fType);
 		options.movable = (fFlags & B_NOT_MOVABLE) == 0;
 		options.resizable = (fFlags & B_NOT_RESIZABLE) == 0;
 		options.closable = (fFlags & B_NOT_CLOSABLE) == 0;

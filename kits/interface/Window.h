@@ -15,13 +15,15 @@
 #include <memory>
 #include <optional>
 
-enum window_type { B_TITLED_WINDOW = 1, B_MODAL_WINDOW = 3 };
+enum window_type : uint32 { B_TITLED_WINDOW = 1, B_MODAL_WINDOW = 3 };
 enum : uint32 { B_CURRENT_WORKSPACE = 0 };
 enum : uint32 { B_NOT_MOVABLE = 0x1, B_NOT_RESIZABLE = 0x2, B_NOT_CLOSABLE = 0x20 };
 
 class BButton;
 
 namespace BPrivate {
+constexpr window_type kPopUpWindow = window_type(0x100); // see desktop::WindowKind::kPopUp
+class ModalCall;
 class WindowEvents;
 class WindowSurface;
 } // namespace BPrivate
@@ -87,7 +89,7 @@ protected:
 
 private:
 	friend class BView;
-	friend class BAlert;
+	friend class BPrivate::ModalCall;
 
 	struct Shortcut {
 		uint32 key;
@@ -105,12 +107,14 @@ private:
 	void _ApplySizeLimits();
 	void _SetSize(int32 columns, int32 rows, double scale);
 	bool _OwnMessage(BMessage* message);
-	void _ServeWhileBlocked(); // repaints and follows resizes while a hook waits for an alert
+	void
+	_ServeWhileBlocked(); // repaints and follows resizes while a hook waits for an alert or a menu
 	void _ViewDetached(BView* view);
 	void _SetFocus(BView* view);
 	void _WakeLoop(); // after a change by a thread that is not the window's
 
 	// Input; WindowInput.cpp
+	void _EndCapture();
 	BHandler* _RetargetMouse(BMessage* message);
 	BHandler* _RetargetKey(BMessage* message);
 	bool _NewerIsQueued(const BMessage& message) const;

@@ -7,6 +7,7 @@
 
 #include <app/AppDefs.h>
 #include <app/Application.h>
+#include <desktop/GuiThread.h>
 #include <interface/Button.h>
 #include <interface/Modal.h>
 
@@ -15,6 +16,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -210,6 +212,19 @@ BWindow::_MouseUp(BMessage* message, BView* target)
 	// The first hook may have removed the other view.
 	if (capture != nullptr && capture != target && _Core().handlers.count(token) != 0)
 		capture->MouseUp(InView(capture, where));
+}
+
+// For a menu that takes the mouse over: the captor gets its release, and nobody another.
+void
+BWindow::_EndCapture()
+{
+	if (fSurface->IsOpen())
+		fSurface->Native()->ForgetButtons();
+	BView* capture = std::exchange(fCaptureView, nullptr);
+	if (capture == nullptr)
+		return;
+	const desktop::InputState input = desktop::CurrentInput();
+	capture->MouseUp(capture->ConvertFromScreen(BPoint(input.x, input.y)));
 }
 
 void

@@ -18,9 +18,9 @@ import unittest
 
 PATIENCE = 20  # seconds; far more than anything takes
 # What is tested: as ./check has built it when nothing else is said.
-_BUILT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../build/check/release")
-KORVA = os.environ.get("KORVA", os.path.join(_BUILT, "korva"))
-ABOUT = os.environ.get("KORVA_ABOUT", os.path.join(_BUILT, "tests/about_program"))
+BUILT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../build/check/release")
+KORVA = os.environ.get("KORVA", os.path.join(BUILT, "korva"))
+ABOUT = os.environ.get("KORVA_ABOUT", os.path.join(BUILT, "tests/about_program"))
 
 SCREEN = (1100, 900)
 

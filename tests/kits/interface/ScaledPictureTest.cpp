@@ -4,10 +4,13 @@
 // matters. Expectations come from the views' places in logical pixels.
 
 #include <interface/Look.h>
+#include <interface/MenuRows.h>
+#include <interface/PopUpMenu.h>
 #include <interface/ScrollBar.h>
 #include <interface/ScrollView.h>
 
 #include "tests/support/TestWindow.h"
+#include "tests/support/Waiting.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -180,4 +183,38 @@ TEST(Look, ArrowsStandInTheMiddleOfTheirBoxes)
 		}
 		EXPECT_GT(ink, 15);
 	}
+}
+
+TEST(ScaledPicture, MenusHaveEvenRowsAndEdges)
+{
+	constexpr uint32 kFace = 0xffd8d8d8, kChosen = 0xffb8b8b8, kLight = 0xffffffff;
+	constexpr uint32 kSoftLight = 0xffe8e8e8, kDark = 0xff989898, kDarkest = 0xff6c6c6c;
+	BPopUpMenu menu("scaled menu");
+	menu.AddItem(new BMenuItem("", nullptr));
+	menu.AddSeparatorItem();
+	menu.AddItem(new BMenuItem("", nullptr));
+	menu.Go(BPoint(50, 50), false, true, true);
+	InjectedUser user("scaled menu");
+	user.KeyDown({B_UP_ARROW});
+
+	const BPrivate::MenuRows rows(menu);
+	const int32 right = rows.Width() - 1, bottom = rows.Height() + 2 * BPrivate::kMenuEdge - 1;
+	Expected expected(right + 1, bottom + 1, kFace);
+	expected.Fill(0, 0, right, 0, kLight);
+	expected.Fill(right, 1, right, bottom, kDarkest);
+	expected.Fill(0, bottom, right, bottom, kDarkest);
+	expected.Fill(0, 0, 0, bottom, kLight);
+	expected.Fill(right, 0, right, 0, kLight);
+	expected.Fill(1, 1, right - 1, 1, kSoftLight);
+	expected.Fill(right - 1, 2, right - 1, bottom - 1, kDark);
+	expected.Fill(1, bottom - 1, right - 1, bottom - 1, kDark);
+	expected.Fill(1, 1, 1, bottom - 1, kSoftLight);
+	const auto top = [&rows](int32 row) { return BPrivate::kMenuEdge + rows.At(row).top; };
+	expected.Fill(2, top(2), right - 2, top(2) + rows.At(2).height - 1, kChosen);
+	const int32 line = top(1) + rows.At(1).height / 2 - 1;
+	expected.Fill(3, line, right - 3, line, kDark);
+	expected.Fill(3, line + 1, right - 3, line + 1, kLight);
+	EXPECT_TRUE(WaitUntil(
+		[&] { return user.Snapshot().At(Edge(right / 2), Edge(top(2) + 5)) == kChosen; }));
+	expected.Compare(user.Snapshot());
 }
