@@ -16,6 +16,12 @@ namespace desktop {
 // Needs the application object, which owns the watcher.
 void WatchInput();
 
+// Once more before all other watchers of input.
+void WatchInputFirst();
+
+// For CurrentInput(), after a drag: nobody has told of the release.
+void ForgetButtons();
+
 uint32 ToButtons(Qt::MouseButtons buttons); // those that we know
 
 WheelEvent TranslateWheel(const QWheelEvent& event, uint32 modifiers, bigtime_t when);

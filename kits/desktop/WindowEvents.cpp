@@ -4,6 +4,7 @@
 
 #include "WindowPeer.h"
 
+#include "Drag.h"
 #include "Keys.h"
 
 #include <kernel/OS.h>
@@ -22,13 +23,22 @@ PeerWindow::event(QEvent* event)
 			event->ignore();
 			fClient.WindowCloseRequested();
 			return true;
+		case QEvent::DragEnter:
+		case QEvent::DragMove:
+		case QEvent::DragLeave:
+		case QEvent::Drop:
+			return TakeDragEvent(*event);
 		case QEvent::Enter: {
+			if (IsDragging())
+				break;
 			const auto* enter = static_cast<QEnterEvent*>(event);
 			TellMouse(MouseEvent::kMoved, enter->position(), enter->globalPosition(),
 				CurrentInput().buttons);
 			break;
 		}
 		case QEvent::Leave: {
+			if (IsDragging())
+				break;
 			const InputState input = CurrentInput();
 			const QPointF screen(input.x, input.y);
 			TellMouse(MouseEvent::kLeft, mapFromGlobal(screen), screen, input.buttons);
@@ -125,7 +135,7 @@ void
 PeerWindow::mouseReleaseEvent(QMouseEvent* event)
 {
 	const uint32 button = ToButtons(event->button());
-	if (button == 0)
+	if (button == 0 || IsDragging()) // the drag's end tells it
 		return;
 	TellLostReleases(*event);
 	fHeldButtons = ToButtons(event->buttons());

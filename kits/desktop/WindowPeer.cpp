@@ -5,6 +5,7 @@
 #include "WindowPeer.h"
 
 #include "CanvasData.h"
+#include "Drag.h"
 
 #include <QGuiApplication>
 #include <QPaintEvent>
@@ -60,6 +61,12 @@ PeerWindow::PeerWindow(WindowClient& client, const PixelRect& frame, const std::
 	setTitle(QString::fromUtf8(title.c_str()));
 	setPosition(frame.left, frame.top); // of the content: the decoration goes around it
 	ResizeContent(fToldSize);
+}
+
+// The display server would tell nobody of the release.
+PeerWindow::~PeerWindow()
+{
+	CancelDragOf(*this);
 }
 
 void

@@ -20,11 +20,14 @@ class PeerWindow : public QWindow {
 public:
 	PeerWindow(WindowClient& client, const PixelRect& frame, const std::string& title,
 		const NativeWindow::Options& options);
+	~PeerWindow() override;
 
 	void ShowFirst(const CanvasData& canvas, QWindow* parent);
 	void TakePicture(const CanvasData& canvas, const QRegion& region);
 	void ResizeContent(const QSize& size);
 	void SetTextInput(bool wanted, const QRect& caret);
+	// Another program has the pointer, or had it: tells the client what it has missed.
+	void TellRelease(const QPointF& screen);
 	// What the window shows, in device pixels.
 	QImage Picture();
 
@@ -54,6 +57,8 @@ private:
 	void TellModifiers();
 	void TellMouse(MouseEvent::Kind kind, const QPointF& where, const QPointF& screen,
 		uint32 buttons, uint32 button = 0, int32 clicks = 0);
+	bool TakeDragEvent(QEvent& event);
+	void TellDrag(DragEvent::Kind kind, const QPointF& where);
 	void TellLostReleases(const QMouseEvent& event);
 	void Key(QKeyEvent* event);
 	void AnswerInputMethod(QInputMethodQueryEvent& query) const;
@@ -70,6 +75,7 @@ private:
 	uint32 fToldModifiers = 0;
 	uint32 fHeldButtons = 0;
 	ClickCounter fClicks;
+	std::shared_ptr<const Content> fDragged; // of the drag over this window
 	bool fTextInput = false;
 	QRect fCaret;
 };

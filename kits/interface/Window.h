@@ -22,6 +22,7 @@ enum : uint32 { B_NOT_MOVABLE = 0x1, B_NOT_RESIZABLE = 0x2, B_NOT_CLOSABLE = 0x2
 class BButton;
 
 namespace BPrivate {
+class DragNotice;
 class WindowEvents;
 class WindowSurface;
 } // namespace BPrivate
@@ -118,6 +119,9 @@ private:
 	void _MouseDown(BMessage* message, BView* target);
 	void _MouseUp(BMessage* message, BView* target);
 	void _MouseMoved(BMessage* message, BView* target);
+	BHandler* _RetargetDrop(BPrivate::DragNotice& drop);
+	bool _DropButtons(uint32* buttons) const;
+	void _Drop(const BPrivate::DragNotice& drop, BHandler* target);
 	void _KeyDown(BMessage* message, BView* target);
 	BHandler* _TakeShortcut(BMessage* message, BHandler* target);
 	void _NavigateFocus(bool backward);
@@ -140,8 +144,9 @@ private:
 	std::unique_ptr<BPrivate::WindowSurface> fSurface; // the picture, and the desktop's window
 	std::unique_ptr<BView> fTop;                       // covers the window and holds its children
 	BView* fFocus = nullptr;
-	BView* fMouseView = nullptr;   // under the pointer at the last move
-	BView* fCaptureView = nullptr; // asked for all mouse events until the release
+	BView* fMouseView = nullptr;        // under the pointer at the last move
+	BView* fCaptureView = nullptr;      // asked for all mouse events until the release
+	std::optional<uint32> fDropButtons; // while a drop is handled
 	BButton* fDefaultButton = nullptr;
 	std::vector<Shortcut> fShortcuts;
 };
