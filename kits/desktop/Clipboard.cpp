@@ -65,6 +65,8 @@ WatchClipboard()
 		if (mode == QClipboard::Clipboard)
 			sToldChanges++;
 	});
+	if (QGuiApplication::platformName() != QLatin1String("xcb"))
+		return; // others may have a display of X11 too, which is not the one that is shown
 	if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
 		sSelection = new X11Selection(xcb_get_setup(x11->connection())->resource_id_base);
 }
