@@ -158,6 +158,7 @@ PeerWindow::TellRelease(const QPointF& screen)
 		if ((fHeldButtons & button) == 0)
 			continue;
 		fHeldButtons &= ~button;
+		fReleasedByDrag |= button;
 		TellMouse(MouseEvent::kUp, mapFromGlobal(screen), screen, fHeldButtons, button);
 	}
 }

@@ -124,6 +124,7 @@ PeerWindow::mousePressEvent(QMouseEvent* event)
 	if (button == 0)
 		return;
 	TellLostReleases(*event);
+	fReleasedByDrag = 0;
 	fHeldButtons = ToButtons(event->buttons());
 	const int32 clicks =
 		fClicks.Press(button, event->globalPosition(), bigtime_t(event->timestamp()) * 1000);
@@ -137,6 +138,10 @@ PeerWindow::mouseReleaseEvent(QMouseEvent* event)
 	const uint32 button = ToButtons(event->button());
 	if (button == 0 || IsDragging()) // the drag's end tells it
 		return;
+	if ((fReleasedByDrag & button) != 0) {
+		fReleasedByDrag &= ~button;
+		return;
+	}
 	TellLostReleases(*event);
 	fHeldButtons = ToButtons(event->buttons());
 	TellMouse(MouseEvent::kUp, event->position(), event->globalPosition(), fHeldButtons, button);

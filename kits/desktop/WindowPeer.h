@@ -74,6 +74,7 @@ private:
 	QBasicTimer fLatePicture; // runs from a resize until its picture or too long a wait
 	uint32 fToldModifiers = 0;
 	uint32 fHeldButtons = 0;
+	uint32 fReleasedByDrag = 0; // whose own release may still come
 	ClickCounter fClicks;
 	std::shared_ptr<const Content> fDragged; // of the drag over this window
 	bool fTextInput = false;
