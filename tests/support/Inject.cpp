@@ -307,7 +307,8 @@ InjectedUser::Clipboard()
 	Texts texts;
 	CallGui([&] {
 		const QMimeData* data = QGuiApplication::clipboard()->mimeData();
-		for (const QString& format : data->formats())
+		const QStringList formats = data != nullptr ? data->formats() : QStringList();
+		for (const QString& format : formats)
 			texts[format.toStdString()] = data->data(format).toStdString();
 	});
 	return texts;
