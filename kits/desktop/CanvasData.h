@@ -23,6 +23,8 @@ struct PictureData {
 	// Part of the picture in another size; remembers the last one, for icons on a scaled screen.
 	QImage Scaled(const QRect& source, const QSize& size);
 
+	static QImage ImageOf(const Picture& picture); // null without one
+
 	const QImage image; // premultiplied
 
 private:

@@ -4,6 +4,7 @@
 
 #include "Input.h"
 
+#include "Drag.h"
 #include "Keys.h"
 #include "PopUps.h"
 
@@ -59,6 +60,8 @@ private:
 	void NoteModifiers(uint32 modifiers);
 
 	ModifierTracker fModifiers;
+	const bool fKnowsInDrags =
+		!QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
 };
 
 // Also forgets the ignored buttons that are up again.
@@ -82,13 +85,17 @@ InputWatcher::IsIgnored(const QEvent& event)
 			return false;
 	}
 }
+InputWatcher* sWatcher = nullptr; // the application's
 
 void
 InputWatcher::Note(const QWindow& window, const QEvent& event)
 {
 	switch (event.type()) {
-		case QEvent::MouseButtonPress:
 		case QEvent::MouseButtonRelease:
+			if (IsDragging())
+				break; // a drop finds the buttons held
+			[[fallthrough]];
+		case QEvent::MouseButtonPress:
 		case QEvent::MouseMove:
 		case QEvent::Wheel:
 			NotePoint(static_cast<const QSinglePointEvent&>(event));
@@ -134,7 +141,9 @@ void
 InputWatcher::NoteDrag(const QWindow& window, const QDropEvent& event)
 {
 	const QPoint where = window.mapToGlobal(event.position().toPoint());
-	const uint32 modifiers = fModifiers.Seen(event.modifiers());
+	// Wayland's compositors do not tell; the keys themselves do.
+	const uint32 modifiers =
+		fKnowsInDrags ? fModifiers.Seen(event.modifiers()) : CurrentInput().modifiers;
 	std::lock_guard lock(Cache().lock);
 	InputState& state = Cache().state;
 	state.x = float(where.x());
@@ -164,7 +173,21 @@ CurrentInput()
 void
 WatchInput()
 {
-	qGuiApp->installEventFilter(new InputWatcher(qGuiApp));
+	sWatcher = new InputWatcher(qGuiApp);
+	WatchInputFirst();
+}
+
+void
+WatchInputFirst()
+{
+	qGuiApp->installEventFilter(sWatcher);
+}
+
+void
+ForgetButtons()
+{
+	std::lock_guard lock(Cache().lock);
+	Cache().state.buttons = 0;
 }
 
 void

@@ -20,6 +20,12 @@ void WatchInput();
 // press was for something that is gone. Ended by the next press.
 void IgnoreHeldButtons();
 
+// Once more before all other watchers of input.
+void WatchInputFirst();
+
+// For CurrentInput(), after a drag: nobody has told of the release.
+void ForgetButtons();
+
 uint32 ToButtons(Qt::MouseButtons buttons); // those that we know
 
 WheelEvent TranslateWheel(const QWheelEvent& event, uint32 modifiers, bigtime_t when);

@@ -2,6 +2,7 @@
 
 // The process's real main function: the desktop on the first thread, the program on a second.
 
+#include "ClipboardWatch.h"
 #include "FontCache.h"
 #include "Input.h"
 #include "JobQueue.h"
@@ -178,6 +179,7 @@ RunDesktop(char* programPath)
 	QGuiApplication::setQuitOnLastWindowClosed(false);
 	on_exit(HandleExit, nullptr); // last, since Qt's libraries have handlers of their own
 	WatchInput();
+	WatchClipboard();
 	OpenJobQueue();
 	sInEventLoop = true;
 	QGuiApplication::exec();

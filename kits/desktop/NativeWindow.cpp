@@ -5,6 +5,7 @@
 #include <desktop/NativeWindow.h>
 
 #include "CanvasData.h"
+#include "Drag.h"
 #include "PixelRegionAccess.h"
 #include "WindowPeer.h"
 
@@ -49,7 +50,10 @@ void
 NativeWindow::Hide()
 {
 	fShown = false;
-	CallGui([this] { fPeer->window->hide(); });
+	CallGui([this] {
+		CancelDragOf(*fPeer->window);
+		fPeer->window->hide();
+	});
 }
 
 bool
@@ -106,6 +110,13 @@ NativeWindow::SetTextInput(bool wanted, const PixelRect& caret)
 {
 	PostGui(
 		[peer = fPeer, wanted, where = ToQt(caret)] { peer->window->SetTextInput(wanted, where); });
+}
+
+void
+NativeWindow::StartDrag(std::shared_ptr<const Content> content, const DragImage& image)
+{
+	PostGui(
+		[peer = fPeer, content = std::move(content), image] { RunDrag(*peer, content, image); });
 }
 
 double

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <desktop/Canvas.h>
+#include <desktop/Content.h>
 
 #include <string>
 
@@ -47,6 +48,25 @@ struct KeyEvent {
 	bigtime_t when;
 };
 
+// A drag, ours or another program's, over the window. What is dragged stays the same object from
+// the drag's coming to its going; another program's holds the bytes of one or two formats.
+struct DragEvent {
+	enum Kind { kMoved, kLeft, kDropped };
+
+	Kind kind;
+	MouseEvent mouse; // its kind means nothing; the buttons are those held last
+	std::shared_ptr<const Content> content;
+};
+
+// What is shown beside the pointer: a picture, or the outline of a rectangle without one.
+struct DragImage {
+	Picture picture;
+	int32 width = 0; // logical pixels, as the pointer's place in the image
+	int32 height = 0;
+	int32 pointerX = 0;
+	int32 pointerY = 0;
+};
+
 // Told by the GUI thread; every call must return without waiting.
 class WindowClient {
 public:
@@ -59,6 +79,7 @@ public:
 	virtual void WindowWheel(const WheelEvent& event) = 0;
 	virtual void WindowKey(const KeyEvent& event) = 0;
 	virtual void WindowModifiers(uint32 modifiers, bigtime_t when) = 0;
+	virtual void WindowDrag(const DragEvent&) {}
 };
 
 // A pop-up has no decoration. From Show() to Hide() all mouse and key events of the program are its
@@ -103,6 +124,11 @@ public:
 	// Whether keys may be composed to text (dead keys, input methods), with the candidates shown
 	// at `caret`. The text arrives as a key press of several bytes, key and rawChar 0.
 	void SetTextInput(bool wanted, const PixelRect& caret);
+
+	// Begins a drag with the buttons that are held, and comes to nothing when none is or another
+	// drag is under way. Until its end the window hears of the pointer by WindowDrag() only; then
+	// its client is told of the release, wherever it was.
+	void StartDrag(std::shared_ptr<const Content> content, const DragImage& image);
 
 	double Scale(); // device pixels per logical pixel; waits for the desktop
 

@@ -32,6 +32,12 @@ PictureData::Scaled(const QRect& source, const QSize& size)
 	return fScaled;
 }
 
+QImage
+PictureData::ImageOf(const Picture& picture)
+{
+	return picture.fData != nullptr ? picture.fData->image : QImage();
+}
+
 void
 PictureData::SetDouble(std::function<Picture()> make)
 {

@@ -4,6 +4,7 @@
 
 #include "WindowPeer.h"
 
+#include "Drag.h"
 #include "Keys.h"
 
 #include <kernel/OS.h>
@@ -24,13 +25,22 @@ PeerWindow::event(QEvent* event)
 			event->ignore();
 			fClient.WindowCloseRequested();
 			return true;
+		case QEvent::DragEnter:
+		case QEvent::DragMove:
+		case QEvent::DragLeave:
+		case QEvent::Drop:
+			return TakeDragEvent(*event);
 		case QEvent::Enter: {
+			if (IsDragging())
+				break;
 			const auto* enter = static_cast<QEnterEvent*>(event);
 			TellMouse(MouseEvent::kMoved, enter->position(), enter->globalPosition(),
 				CurrentInput().buttons);
 			break;
 		}
 		case QEvent::Leave: {
+			if (IsDragging())
+				break;
 			const InputState input = CurrentInput();
 			const QPointF screen(input.x, input.y);
 			TellMouse(MouseEvent::kLeft, mapFromGlobal(screen), screen, input.buttons);
@@ -151,6 +161,7 @@ PeerWindow::mousePressEvent(QMouseEvent* event)
 	if (button == 0)
 		return;
 	TellLostReleases(*event);
+	fReleasedByDrag = 0;
 	fHeldButtons = ToButtons(event->buttons());
 	const int32 clicks =
 		fClicks.Press(button, event->globalPosition(), bigtime_t(event->timestamp()) * 1000);
@@ -162,8 +173,12 @@ void
 PeerWindow::mouseReleaseEvent(QMouseEvent* event)
 {
 	const uint32 button = ToButtons(event->button());
-	if (button == 0)
+	if (button == 0 || IsDragging()) // the drag's end tells it
 		return;
+	if ((fReleasedByDrag & button) != 0) {
+		fReleasedByDrag &= ~button;
+		return;
+	}
 	TellLostReleases(*event);
 	fHeldButtons = ToButtons(event->buttons());
 	TellMouse(MouseEvent::kUp, event->position(), event->globalPosition(), fHeldButtons, button);

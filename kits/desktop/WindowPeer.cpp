@@ -5,6 +5,7 @@
 #include "WindowPeer.h"
 
 #include "CanvasData.h"
+#include "Drag.h"
 #include "PopUps.h"
 
 #include <QGuiApplication>
@@ -68,6 +69,8 @@ PeerWindow::PeerWindow(WindowClient& client, const PixelRect& frame, const std::
 
 PeerWindow::~PeerWindow()
 {
+	// The display server would tell nobody of the release.
+	CancelDragOf(*this);
 	PopUpClosed(*this);
 }
 

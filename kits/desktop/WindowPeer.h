@@ -26,6 +26,8 @@ public:
 	void TakePicture(const CanvasData& canvas, const QRegion& region);
 	void ResizeContent(const QSize& size);
 	void SetTextInput(bool wanted, const QRect& caret);
+	// Another program has the pointer, or had it: tells the client what it has missed.
+	void TellRelease(const QPointF& screen);
 	// What the window shows, in device pixels.
 	QImage Picture();
 
@@ -62,6 +64,8 @@ private:
 	void TellModifiers();
 	void TellMouse(MouseEvent::Kind kind, const QPointF& where, const QPointF& screen,
 		uint32 buttons, uint32 button = 0, int32 clicks = 0);
+	bool TakeDragEvent(QEvent& event);
+	void TellDrag(DragEvent::Kind kind, const QPointF& where);
 	void TellLostReleases(const QMouseEvent& event);
 	void Key(QKeyEvent* event);
 	void AnswerInputMethod(QInputMethodQueryEvent& query) const;
@@ -78,7 +82,9 @@ private:
 	QBasicTimer fLatePicture; // runs from a resize until its picture or too long a wait
 	uint32 fToldModifiers = 0;
 	uint32 fHeldButtons = 0;
+	uint32 fReleasedByDrag = 0; // whose own release may still come
 	ClickCounter fClicks;
+	std::shared_ptr<const Content> fDragged; // of the drag over this window
 	bool fTextInput = false;
 	QRect fCaret;
 };

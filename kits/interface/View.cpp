@@ -275,12 +275,16 @@ BView::GetMouse(BPoint* where, uint32* buttons, bool checkQueue) const
 {
 	BPoint inWindow;
 	uint32 held = 0;
-	if (fWindow == nullptr || !checkQueue || !fWindow->_TakeMouseMessage(&inWindow, &held)) {
+	// The release waits in the queue, behind the drop.
+	const bool inDrop = fWindow != nullptr && fWindow->_DropButtons(&held);
+	if (fWindow == nullptr || !checkQueue || inDrop ||
+		!fWindow->_TakeMouseMessage(&inWindow, &held)) {
 		desktop::InputState now = desktop::CurrentInput();
 		inWindow = BPoint(now.x, now.y);
 		if (fWindow != nullptr)
 			inWindow = fWindow->ConvertFromScreen(inWindow);
-		held = now.buttons;
+		if (!inDrop)
+			held = now.buttons;
 	}
 	if (where != nullptr) {
 		double x = 0, y = 0;

@@ -17,6 +17,10 @@
 #include <memory>
 #include <vector>
 
+namespace desktop {
+struct DragImage;
+}
+
 class BBitmap;
 class BScrollBar;
 class BScrollView;
@@ -186,6 +190,19 @@ public:
 	// and without: the live state. Any thread that holds the window's lock.
 	void GetMouse(BPoint* where, uint32* buttons, bool checkQueue = true) const;
 
+	// Dragging. The message is copied; what is shown with the pointer is the outline of `rect`, or
+	// the bitmap (deleted here) with `offset` at the pointer. Begins with the buttons that are
+	// held, and comes to nothing when none is. Returns at once; until the drag's end the views
+	// under the pointer get MouseMoved() with the message. The drop reaches the view under it as
+	// that message, with "_drop_point_" (on the screen) and "_drop_offset_" (see
+	// BMessage::DropPoint), by its filters; whatever becomes of the drag, this window is told of
+	// the release. Answers to the message go to `replyTo`.
+	void DragMessage(BMessage* message, BRect rect, BHandler* replyTo = nullptr);
+	void DragMessage(
+		BMessage* message, BBitmap* bitmap, BPoint offset, BHandler* replyTo = nullptr);
+	void DragMessage(BMessage* message, BBitmap* bitmap, drawing_mode mode, BPoint offset,
+		BHandler* replyTo = nullptr);
+
 	// Scrolling. The base moves the pixels and the scroll bars along.
 	virtual void ScrollTo(BPoint leftTop);
 	void ScrollTo(float x, float y) { ScrollTo(BPoint(x, y)); }
@@ -241,6 +258,8 @@ private:
 	bool _WheelMoved(BMessage* message);
 	void _CollectNavigable(std::vector<BView*>& views);
 	void _FrameEvent(uint32 what);
+	void _Drag(
+		const BMessage& message, desktop::DragImage image, BPoint offset, const BHandler* replyTo);
 	void _CollectTokens(std::vector<int64>& tokens) const; // of this view and all below
 
 	BRect fFrame;

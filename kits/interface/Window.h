@@ -24,6 +24,7 @@ class BButton;
 namespace BPrivate {
 constexpr window_type kPopUpWindow = window_type(0x100); // see desktop::WindowKind::kPopUp
 class ModalCall;
+class DragNotice;
 class WindowEvents;
 class WindowSurface;
 } // namespace BPrivate
@@ -122,6 +123,9 @@ private:
 	void _MouseDown(BMessage* message, BView* target);
 	void _MouseUp(BMessage* message, BView* target);
 	void _MouseMoved(BMessage* message, BView* target);
+	BHandler* _RetargetDrop(BPrivate::DragNotice& drop);
+	bool _DropButtons(uint32* buttons) const;
+	void _Drop(const BPrivate::DragNotice& drop, BHandler* target);
 	void _KeyDown(BMessage* message, BView* target);
 	BHandler* _TakeShortcut(BMessage* message, BHandler* target);
 	void _NavigateFocus(bool backward);
@@ -144,8 +148,9 @@ private:
 	std::unique_ptr<BPrivate::WindowSurface> fSurface; // the picture, and the desktop's window
 	std::unique_ptr<BView> fTop;                       // covers the window and holds its children
 	BView* fFocus = nullptr;
-	BView* fMouseView = nullptr;   // under the pointer at the last move
-	BView* fCaptureView = nullptr; // asked for all mouse events until the release
+	BView* fMouseView = nullptr;        // under the pointer at the last move
+	BView* fCaptureView = nullptr;      // asked for all mouse events until the release
+	std::optional<uint32> fDropButtons; // while a drop is handled
 	BButton* fDefaultButton = nullptr;
 	std::vector<Shortcut> fShortcuts;
 };

@@ -97,4 +97,23 @@ WindowEvents::WindowModifiers(uint32 modifiers, bigtime_t when)
 	fWindow.Post(std::move(message));
 }
 
+void
+WindowEvents::WindowDrag(const desktop::DragEvent& event)
+{
+	using Kind = desktop::DragEvent;
+	if (fDragged == nullptr || !fDragged->Holds(event.content))
+		fDragged = std::make_shared<Dragged>(event.content);
+	const bool dropped = event.kind == Kind::kDropped;
+	auto message = std::make_unique<DragNotice>(dropped ? kMsgDrop : B_MOUSE_MOVED, fDragged);
+	message->AddInt64("when", event.mouse.when);
+	message->AddPoint("where", BPoint(event.mouse.x, event.mouse.y));
+	message->AddInt32("buttons", static_cast<int32>(event.mouse.buttons));
+	message->AddInt32("modifiers", static_cast<int32>(event.mouse.modifiers));
+	if (event.kind == Kind::kLeft)
+		message->AddBool("left", true);
+	if (event.kind != Kind::kMoved)
+		fDragged = nullptr;
+	fWindow.Post(std::move(message));
+}
+
 } // namespace BPrivate

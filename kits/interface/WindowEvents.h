@@ -10,6 +10,7 @@
 #include <desktop/NativeWindow.h>
 
 #include "kits/app/LooperCore.h"
+#include "kits/interface/Dragged.h"
 
 namespace BPrivate {
 
@@ -25,9 +26,11 @@ public:
 	void WindowWheel(const desktop::WheelEvent& event) override;
 	void WindowKey(const desktop::KeyEvent& event) override;
 	void WindowModifiers(uint32 modifiers, bigtime_t when) override;
+	void WindowDrag(const desktop::DragEvent& event) override;
 
 private:
 	LooperCore& fWindow;
+	std::shared_ptr<Dragged> fDragged; // by the last event of a drag
 };
 
 } // namespace BPrivate

@@ -12,11 +12,14 @@
 #include <interface/Modal.h>
 
 #include "kits/app/LooperCore.h"
+#include "kits/interface/Dragged.h"
 #include "kits/interface/WindowSurface.h"
 
 #include <algorithm>
 #include <cstring>
 #include <utility>
+
+using BPrivate::DragNotice;
 
 namespace {
 
@@ -84,6 +87,10 @@ BWindow::_Retarget(BMessage* message, BHandler* target)
 		case B_MOUSE_MOVED:
 		case B_MOUSE_WHEEL_CHANGED:
 			return _RetargetMouse(message);
+		case BPrivate::kMsgDrop:
+			if (auto* drop = dynamic_cast<DragNotice*>(message))
+				return _RetargetDrop(*drop);
+			return this;
 		case B_KEY_DOWN:
 		case B_KEY_UP:
 			return _RetargetKey(message);
@@ -122,7 +129,7 @@ BWindow::_RetargetMouse(BMessage* message)
 		bool overtaken = false;
 		_Core().Visit([&](const BMessage& next) {
 			if (!IsMouse(next))
-				return false;
+				return next.what == BPrivate::kMsgDrop; // the moves before it have led there
 			overtaken = next.what == B_MOUSE_MOVED && !next.HasBool("left") &&
 				FindView(WhereOf(next)) == view;
 			return true;
@@ -147,6 +154,13 @@ BWindow::_RetargetKey(BMessage* message)
 void
 BWindow::DispatchMessage(BMessage* message, BHandler* target)
 {
+	if (message->WasDropped()) {
+		// Whatever its code says: another program may have chosen it.
+		if (const auto* drop = dynamic_cast<const DragNotice*>(message)) {
+			_Drop(*drop, target);
+			return;
+		}
+	}
 	// Views are told apart from other handlers by their window.
 	BView* view = dynamic_cast<BView*>(target);
 	switch (message->what) {
@@ -232,6 +246,8 @@ BWindow::_MouseMoved(BMessage* message, BView* target)
 {
 	BPoint where = WhereOf(*message);
 	BView* capture = fCaptureView;
+	const auto* notice = dynamic_cast<const DragNotice*>(message);
+	const BMessage* drag = notice != nullptr ? &notice->DragMessage() : nullptr;
 	BView* under = message->HasBool("left") ? nullptr : target;
 	if (under != nullptr && under == capture && FindView(where) != under)
 		under = nullptr; // the captor stands in for nobody
@@ -241,12 +257,12 @@ BWindow::_MouseMoved(BMessage* message, BView* target)
 		fMouseView = under;
 		transit = B_ENTERED_VIEW;
 		if (left != nullptr)
-			left->MouseMoved(InView(left, where), B_EXITED_VIEW, nullptr);
+			left->MouseMoved(InView(left, where), B_EXITED_VIEW, drag);
 	}
 	if (under != nullptr && fMouseView == under)
-		under->MouseMoved(InView(under, where), transit, nullptr);
+		under->MouseMoved(InView(under, where), transit, drag);
 	if (capture != nullptr && capture == fCaptureView && capture != under && capture != left)
-		capture->MouseMoved(InView(capture, where), B_OUTSIDE_VIEW, nullptr);
+		capture->MouseMoved(InView(capture, where), B_OUTSIDE_VIEW, drag);
 }
 
 // Takes the oldest mouse message off the queue, for a view that polls. A release still ends the

@@ -6,9 +6,15 @@
 
 #include <desktop/GuiThread.h>
 
+#include <private/qdnd_p.h>
+#include <private/qsimpledrag_p.h>
+#include <qpa/qplatformdrag.h>
 #include <qpa/qwindowsysteminterface.h>
 
+#include <QClipboard>
+#include <QCursor>
 #include <QGuiApplication>
+#include <QMimeData>
 
 #include <chrono>
 #include <cstring>
@@ -109,6 +115,39 @@ constexpr SidedKey kSidedKeys[] = {
 	{B_RIGHT_OPTION_KEY, Qt::Key_Meta, 0xffec},
 };
 
+// The offscreen platform has no drags, but Qt has some for platforms that leave them to it. Who
+// does them is private to Qt's manager; naming it in an instantiation is allowed.
+template <auto Member>
+struct Opened {
+	friend auto PlatformDragOf(QDragManager& manager) -> QPlatformDrag*& { return manager.*Member; }
+};
+auto PlatformDragOf(QDragManager& manager) -> QPlatformDrag*&;
+template struct Opened<&QDragManager::m_platformDrag>;
+
+// QMimeData's own would read lists of files, and write them anew.
+class TextsMimeData : public QMimeData {
+public:
+	explicit TextsMimeData(const InjectedUser::Texts& texts) : fTexts(texts) {}
+
+	QStringList formats() const override
+	{
+		QStringList formats;
+		for (const auto& each : fTexts)
+			formats.append(QString::fromStdString(each.first));
+		return formats;
+	}
+
+protected:
+	QVariant retrieveData(const QString& format, QMetaType) const override
+	{
+		const auto found = fTexts.find(format.toStdString());
+		return found != fTexts.end() ? QByteArray::fromStdString(found->second) : QVariant();
+	}
+
+private:
+	const InjectedUser::Texts fTexts;
+};
+
 } // namespace
 
 InjectedUser::InjectedUser(NativeWindow& window)
@@ -148,6 +187,8 @@ InjectedUser::Mouse(int type, float x, float y, bool onScreen, uint32 button, ui
 			screen = where;
 			where = fWindow->mapFromGlobal(screen);
 		}
+		if (fMovesCursor)
+			QCursor::setPos(screen.toPoint());
 		const int changed = button != 0 ? int(ButtonsToQt(button)) : 0;
 		QWindowSystemInterface::handleMouseEvent<Deliver>(fWindow, where, screen,
 			ButtonsToQt(fButtons), Qt::MouseButton(changed), QEvent::Type(type), ToQt(modifiers));
@@ -205,6 +246,72 @@ void
 InjectedUser::LoseButtons()
 {
 	fButtons = 0;
+}
+
+void
+InjectedUser::AllowDrags()
+{
+	CallGui([&] {
+		static QSimpleDrag* const sDrag = new QSimpleDrag;
+		PlatformDragOf(*QDragManager::self()) = sDrag;
+	});
+	fMovesCursor = true;
+}
+
+bool
+InjectedUser::DragOver(float x, float y, const Texts& texts, uint32 modifiers)
+{
+	bool accepted = false;
+	CallGui([&] {
+		const TextsMimeData data(texts);
+		const QPlatformDragQtResponse response =
+			QWindowSystemInterface::handleDrag(fWindow, &data, QPoint(int(x), int(y)),
+				Qt::CopyAction | Qt::MoveAction, ButtonsToQt(fButtons), ToQt(modifiers));
+		accepted = response.isAccepted() && response.acceptedAction() == Qt::CopyAction;
+	});
+	return accepted;
+}
+
+bool
+InjectedUser::Drop(float x, float y, const Texts& texts, uint32 modifiers)
+{
+	bool accepted = false;
+	CallGui([&] {
+		const TextsMimeData data(texts);
+		// As X11 does it: without buttons.
+		const QPlatformDropQtResponse response = QWindowSystemInterface::handleDrop(fWindow, &data,
+			QPoint(int(x), int(y)), Qt::CopyAction | Qt::MoveAction, Qt::NoButton, ToQt(modifiers));
+		accepted = response.isAccepted() && response.acceptedAction() == Qt::CopyAction;
+	});
+	fButtons = 0;
+	return accepted;
+}
+
+void
+InjectedUser::DragLeaves()
+{
+	CallGui([&] {
+		QWindowSystemInterface::handleDrag(fWindow, nullptr, QPoint(), Qt::IgnoreAction, {}, {});
+	});
+}
+
+void
+InjectedUser::PutOnClipboard(const Texts& texts)
+{
+	CallGui([&] { QGuiApplication::clipboard()->setMimeData(new TextsMimeData(texts)); });
+}
+
+InjectedUser::Texts
+InjectedUser::Clipboard()
+{
+	Texts texts;
+	CallGui([&] {
+		const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+		const QStringList formats = data != nullptr ? data->formats() : QStringList();
+		for (const QString& format : formats)
+			texts[format.toStdString()] = data->data(format).toStdString();
+	});
+	return texts;
 }
 
 void

@@ -7,6 +7,7 @@
 
 #include <desktop/NativeWindow.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,20 @@ public:
 	void Leave();
 	// Forgets the buttons held, as when another program takes the pointer.
 	void LoseButtons();
+	// From now on drags of this process follow injected moves over all our windows, to the release.
+	// They begin at the pointer as the display server knows it, which now is moved along, too.
+	void AllowDrags();
+	// A drag of another program's comes, moves, and goes or is dropped. `texts` are bytes by
+	// format. True when it is accepted, and the source was told of a copy.
+	typedef std::map<std::string, std::string> Texts;
+	bool DragOver(float x, float y, const Texts& texts, uint32 modifiers = 0);
+	bool Drop(float x, float y, const Texts& texts, uint32 modifiers = 0);
+	void DragLeaves();
+
+	// The clipboard as another program fills and sees it.
+	static void PutOnClipboard(const Texts& texts);
+	static Texts Clipboard();
+
 	// In notches, right and down positive.
 	void Wheel(float x, float y, float deltaX, float deltaY, uint32 modifiers = 0);
 
@@ -67,4 +82,5 @@ private:
 
 	class QWindow* fWindow = nullptr;
 	uint32 fButtons = 0;
+	bool fMovesCursor = false;
 };
