@@ -17,6 +17,8 @@
 #include <unordered_map>
 #include <vector>
 
+using namespace BPrivate;
+
 namespace {
 
 // Of any icon type that files may name in their attributes; real ones are a few hundred.
@@ -120,17 +122,24 @@ public:
 		ShelfFor(bitmap, size)->Fill(type.fKey, size, bitmap);
 	}
 
-	static void FillForNode(const NodeType& node, icon_size size, BBitmap* bitmap)
+	// `text` is the node's type, empty when it has none.
+	static void FillForNode(
+		const NodeType& node, const std::string& text, icon_size size, BBitmap* bitmap)
 	{
 		if (FillFromAttribute(node, size, bitmap))
 			return;
-		std::string text;
 		BMimeType type;
-		if (node.GetType(&text) == B_OK)
+		if (!text.empty())
 			type.SetTo(text.c_str());
 		if (type.InitCheck() != B_OK || (!S_ISREG(node.Mode()) && !type.IsInstalled()))
 			type.SetTo(node.IsBrokenLink() ? desktop::kBrokenLinkType : TypeOfMode(node.Mode()));
 		Fill(type, size, bitmap);
+	}
+
+	static std::string TypeOf(const NodeType& node)
+	{
+		std::string text;
+		return node.GetType(&text) == B_OK ? text : std::string();
 	}
 
 private:
@@ -166,12 +175,12 @@ BMimeType::GetIcon(BBitmap* bitmap, icon_size size) const
 status_t
 BNodeInfo::GetTrackerIcon(BBitmap* bitmap, icon_size size) const
 {
-	BPrivate::NodeType node;
+	NodeType node;
 	if (status_t status = GetNodeType(&node); status != B_OK)
 		return status;
 	if (ShelfFor(bitmap, size) == nullptr)
 		return B_BAD_VALUE;
-	BPrivate::TypeIcons::FillForNode(node, size, bitmap);
+	TypeIcons::FillForNode(node, TypeIcons::TypeOf(node), size, bitmap);
 	return B_OK;
 }
 
@@ -179,20 +188,33 @@ BNodeInfo::GetTrackerIcon(BBitmap* bitmap, icon_size size) const
 status_t
 BNodeInfo::GetTrackerIcon(const entry_ref* ref, BBitmap* bitmap, icon_size size)
 {
+	struct stat status;
+	const BEntry entry(ref);
 	if (ShelfFor(bitmap, size) == nullptr)
 		return B_BAD_VALUE;
-	const BEntry entry(ref);
-	struct stat stat;
-	status_t status = entry.InitCheck();
-	if (status == B_OK)
-		status = entry.GetStat(&stat);
-	BPrivate::FolderHandle folder;
-	if (status == B_OK)
-		status = BPrivate::DirectoryTable::Instance().Find(ref->device, ref->directory, &folder);
-	if (status != B_OK)
-		return status;
-	const std::string path = "/proc/self/fd/" + std::to_string(folder->Descriptor()) + "/";
-	const BPrivate::NodeType node(path + ref->name, ref->name, stat.st_mode);
-	BPrivate::TypeIcons::FillForNode(node, size, bitmap);
+	if (status_t error = entry.InitCheck(); error != B_OK)
+		return error;
+	if (status_t error = entry.GetStat(&status); error != B_OK)
+		return error;
+	char type[B_MIME_TYPE_LENGTH];
+	return GetTypeAndIcon(ref, status, type, bitmap, size);
+}
+
+status_t
+BNodeInfo::GetTypeAndIcon(
+	const entry_ref* ref, const struct stat& status, char* type, BBitmap* bitmap, icon_size size)
+{
+	if (ref == nullptr || ref->name == nullptr || type == nullptr ||
+		ShelfFor(bitmap, size) == nullptr)
+		return B_BAD_VALUE;
+	FolderHandle folder;
+	status_t error = DirectoryTable::Instance().Find(ref->device, ref->directory, &folder);
+	if (error != B_OK)
+		return error;
+	const NodeType node(folder->Descriptor(), ref->name, status.st_mode);
+	const std::string text = TypeIcons::TypeOf(node);
+	TypeIcons::FillForNode(node, text, size, bitmap);
+	const size_t length = text.size() < B_MIME_TYPE_LENGTH ? text.size() : 0;
+	type[text.copy(type, length)] = '\0';
 	return B_OK;
 }

@@ -18,6 +18,8 @@ public:
 	// it is called, or empty to find that out from the path when it matters. `mode` is from its
 	// status: links and special files have no attributes.
 	NodeType(std::string path, std::string name, mode_t mode);
+	// An entry of a folder, given by a descriptor that stays open as long as this is asked.
+	NodeType(int folder, const char* name, mode_t mode);
 	NodeType() = default;
 
 	mode_t Mode() const { return fMode; }
@@ -31,11 +33,14 @@ public:
 	bool ReadFixed(const char* attribute, void* buffer, size_t length) const;
 
 private:
+	void ListAttributes();
+	std::string Path() const;
 	bool HasAttribute(const char* attribute) const;
 	bool ReadText(const char* attribute, std::string* text) const;
 	std::string TypeOfContent() const;
 
-	std::string fPath;
+	int fFolder = -1;
+	std::string fPath; // empty when the folder is given
 	std::string fName;
 	mode_t fMode = 0;
 	std::string fAttributes; // names, each with its NUL; from one system call

@@ -4,10 +4,10 @@
 
 #include "app/Korva.h"
 #include "app/Messages.h"
+#include "clv/ColumnListView.h"
+#include "panes/FileListItem.h"
 
 #include <app/MessageFilter.h>
-#include <interface/ListItem.h>
-#include <interface/ListView.h>
 
 #include "tests/support/Inject.h"
 #include "tests/support/TempTree.h"
@@ -112,13 +112,25 @@ protected:
 		return message;
 	}
 
-	Notes Rows(const char* list)
+	static ColumnListView* ListIn(BView* pane)
+	{
+		for (int32 i = 0; i < pane->CountChildren(); i++) {
+			BView* child = pane->ChildAt(i);
+			ColumnListView* list = dynamic_cast<ColumnListView*>(child);
+			if (list != nullptr || (list = ListIn(child)) != nullptr)
+				return list;
+		}
+		return nullptr;
+	}
+
+	// The names of its visible rows.
+	Notes Rows(BView* pane)
 	{
 		Locked lock(window);
-		const BListView* view = dynamic_cast<BListView*>(window->FindView(list));
+		const ColumnListView* list = ListIn(pane);
 		Notes rows;
-		for (int32 i = 0; view != nullptr && i < view->CountItems(); i++)
-			rows.push_back(dynamic_cast<const BStringItem*>(view->ItemAt(i))->Text());
+		for (int32 i = 0; i < list->CountItems(); i++)
+			rows.push_back(dynamic_cast<const FileListItem*>(list->ItemAt(i))->Name());
 		return rows;
 	}
 
@@ -160,9 +172,9 @@ TEST_F(KorvaWindowTest, AFolderChangeIsToldToAllButItsSource)
 	EXPECT_EQ(Notes({"top SFld", "items SFld"}), Route(Change(outline, "a dir")));
 	EXPECT_EQ(Notes({"items SFld", "outline SFld"}), Route(Change(top, "a dir")));
 	EXPECT_EQ(Notes({"top SFld", "items SFld", "outline SFld"}), Route(Change(items, "b dir")));
-	EXPECT_EQ(Notes({"inside"}), Rows("contents"));
+	EXPECT_EQ(Notes({"inside"}), Rows(items));
 	EXPECT_EQ(Notes({}), Route(Change(nullptr, "a dir")));
-	EXPECT_EQ(Notes({"inside"}), Rows("contents"));
+	EXPECT_EQ(Notes({"inside"}), Rows(items));
 }
 
 TEST_F(KorvaWindowTest, PasteAndSelectAllGoToTheRightPane)
@@ -173,48 +185,52 @@ TEST_F(KorvaWindowTest, PasteAndSelectAllGoToTheRightPane)
 
 TEST_F(KorvaWindowTest, ANewRootFillsTheTreeAndARefreshReadsAgain)
 {
-	EXPECT_EQ(Notes({"a dir", "b dir"}), Rows("folders"));
+	const std::string name = root.name;
+	EXPECT_EQ(Notes({name, "a dir", "b dir"}), Rows(outline));
 	BMessage setRoot(kMSG_SetRoot);
 	Route(setRoot); // without a folder: nothing
-	EXPECT_EQ(Notes({"a dir", "b dir"}), Rows("folders"));
+	EXPECT_EQ(Notes({name, "a dir", "b dir"}), Rows(outline));
 	tree.Add("b dir/deeper", Dir());
 	entry_ref folder = tree.Ref("b dir");
 	setRoot.AddRef(kName_Folder, &folder);
 	Route(setRoot);
-	EXPECT_EQ(Notes({"deeper"}), Rows("folders"));
+	EXPECT_EQ(Notes({"b dir", "deeper"}), Rows(outline));
+	EXPECT_EQ(Notes({"deeper", "inside"}), Rows(items));
 
+	Route(Change(top, "."));
 	Notes before = {"a dir", "b dir", "file", "link", "odd\xff\nname"};
-	EXPECT_EQ(before, Rows("contents"));
+	EXPECT_EQ(before, Rows(items));
 	tree.Remove("file");
-	EXPECT_EQ(before, Rows("contents"));
+	EXPECT_EQ(before, Rows(items));
 	Route(BMessage(kMSG_Refresh));
-	EXPECT_EQ(Notes({"a dir", "b dir", "link", "odd\xff\nname"}), Rows("contents"));
+	EXPECT_EQ(Notes({"a dir", "b dir", "link", "odd\xff\nname"}), Rows(items));
 }
 
 TEST_F(KorvaWindowTest, ClicksChooseFoldersAndDoubleClicksEnterThem)
 {
 	InjectedUser user("Korva");
-	auto middleOf = [&](const char* list, int32 row) {
+	// Of a name: behind arrow and icon, or the icon's column.
+	auto nameOf = [&](BView* pane, int32 row) {
 		Locked lock(window);
-		BListView* view = dynamic_cast<BListView*>(window->FindView(list));
-		BRect frame = view->ConvertToScreen(view->ItemFrame(row));
-		return window->ConvertFromScreen(BPoint(frame.left + 20, (frame.top + frame.bottom) / 2));
+		ColumnListView* list = ListIn(pane);
+		BRect frame = list->ConvertToScreen(list->ItemFrame(row));
+		return window->ConvertFromScreen(BPoint(frame.left + 70, (frame.top + frame.bottom) / 2));
 	};
-	BPoint second = middleOf("folders", 1);
+	BPoint second = nameOf(outline, 2);
 	user.Click(second.x, second.y);
 	Settle();
-	EXPECT_EQ(Notes({"inside"}), Rows("contents"));
+	EXPECT_EQ(Notes({"inside"}), Rows(items));
 	// From the right the tree follows, and does not ask back.
 	Route(Change(top, "."));
 	notes.clear();
-	BPoint first = middleOf("contents", 0);
+	BPoint first = nameOf(items, 0);
 	user.Click(first.x, first.y);
 	user.Click(first.x, first.y);
 	Settle();
-	EXPECT_EQ(Notes({}), Rows("contents"));
+	EXPECT_EQ(Notes({}), Rows(items));
 	EXPECT_EQ(Notes({"top SFld", "items SFld", "outline SFld"}), notes);
 	Locked lock(window);
-	EXPECT_EQ(0, dynamic_cast<BListView*>(window->FindView("folders"))->CurrentSelection());
+	EXPECT_EQ(1, ListIn(outline)->CurrentSelection());
 }
 
 TEST_F(KorvaWindowTest, AboutIsTheApplicationsBusiness)

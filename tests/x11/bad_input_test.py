@@ -13,8 +13,8 @@ import unittest
 from desktop import KORVA, X11Test
 
 WHITE = (255, 255, 255)
-TREE = (4, 30, 140, 470)
-ITEMS = (180, 30, 480, 470)
+TREE = (2, 66, 150, 458)  # below the root's row
+ITEMS = (176, 47, 480, 458)
 PATH = (45, 2, 490, 24)  # in the root bar
 
 

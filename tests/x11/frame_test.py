@@ -8,6 +8,8 @@ import unittest
 from desktop import FRAME, X11Test
 
 BAR_BOTTOM = 26  # of the root bar
+BAR_WIDTH = 14   # of a scroll bar
+ROWS_BOTTOM = FRAME[3] - BAR_WIDTH - 1
 BAR = (232, 232, 232)
 FACE = (216, 216, 216)
 OUTLINE = (108, 108, 108)
@@ -64,9 +66,10 @@ class Frame(X11Test):
         left_parts = (0, 0, BAR_RIGHT, 475)
         self.assertEqual(after.part(*left_parts), before.part(*left_parts))
         # The scroll bar has moved along with the right edge.
-        self.assertEqual(after.part(701 - 16, 27, 700, 475), before.part(501 - 16, 27, 500, 475))
+        self.assertEqual(after.part(701 - BAR_WIDTH, 27, 700, ROWS_BOTTOM),
+                         before.part(501 - BAR_WIDTH, 27, 500, ROWS_BOTTOM))
         # Where it was there are rows now.
-        self.assertEqual(after.part(501 - 16, 40, 500, 440).colours(), {WHITE})
+        self.assertIn(WHITE, after.part(501 - BAR_WIDTH, 47, 500, ROWS_BOTTOM).colours())
 
     def test_growing_taller_lengthens_panes_and_splitter(self):
         korva = self.start(self.folder)
@@ -75,7 +78,7 @@ class Frame(X11Test):
         korva.wait_for_size(501, 700)
         after = korva.steady_picture()
         self.assert_parts_in_place(after)
-        rows = (ITEMS_LEFT + 2, 0, 501 - 17, 470)
+        rows = (ITEMS_LEFT, 0, 501 - BAR_WIDTH - 1, ROWS_BOTTOM)
         self.assertEqual(after.part(*rows), before.part(*rows))
         self.assertGreater(len(after.part(ITEMS_LEFT + 4, 480, 400, 690).colours()), 1)
 

@@ -7,10 +7,12 @@ import unittest
 
 from desktop import X11Test
 
-ROW = 15  # pixels from one row to the next
-FIRST, SECOND = (30, 37), (30, 37 + ROW)  # rows of the left pane
-TREE = (4, 30, 140, 470)     # of the left pane, without its border and scroll bar
-ITEMS = (180, 30, 480, 470)  # of the right pane
+ROW = 19  # pixels from one row to the next
+TOP = 47  # of the rows, below the labels
+FIRST, SECOND = (70, TOP + ROW + 9), (70, TOP + 2 * ROW + 9)  # folders below the root's row
+TREE = (2, TOP, 150, 458)     # of the left pane, without its scroll bars
+ITEMS = (176, TOP, 480, 458)  # of the right pane
+SELECTED = (193, 122, 255)
 WHEEL_UP, WHEEL_DOWN = 4, 5
 
 
@@ -22,7 +24,7 @@ def rows_with_text(items):
 class Input(X11Test):
     def setUp(self):
         self.folder = self.new_folder(
-            "Folder 1/a", "Folder 1/b", "Folder 2/", *(f"file{i:02}" for i in range(80)))
+            "Dir 1/a", "Dir 1/b", "Dir 2/", *(f"file{i:02}" for i in range(80)))
         self.korva = self.start(self.folder)
         self.before = self.korva.steady_picture()
         self.items = self.before.part(*ITEMS)
@@ -58,7 +60,8 @@ class Input(X11Test):
         first = self.wait_for_change(self.items, "a selected row")
         self.display.press("End")
         last = self.wait_for_change(first, "the last rows")
-        self.assertNotEqual(last.at(290, 430), last.at(290, 10), "the last row is selected")
+        bottom = last.part(0, last.height - 2 * ROW, 80, last.height - 1)
+        self.assertIn(SELECTED, bottom.colours(), "the last row is selected")
         self.display.press("Home")
         self.wait_for_items(lambda now: now == first, "the first rows again")
         self.display.press("Next")
@@ -71,14 +74,14 @@ class Input(X11Test):
         self.wait_for_items(lambda now: rows_with_text(now) == 2, "two entries")
 
     def test_double_click_opens_a_folder(self):
-        self.korva.click(200, SECOND[1], times=2)
+        self.korva.click(210, TOP + ROW + 9, times=2)
         self.wait_for_items(lambda now: rows_with_text(now) == 0, "an empty folder's empty pane")
 
     def test_scroll_bar_scrolls(self):
         # The arrow at its foot, the space below the knob, and the knob itself.
-        self.korva.click(493, 467)
+        self.korva.click(493, 455)
         stepped = self.wait_for_change(self.items, "rows scrolled by the arrow")
-        self.korva.click(493, 440)
+        self.korva.click(493, 435)
         self.wait_for_change(stepped, "rows scrolled by a page")
         x, y, *_ = self.korva.frame()
         self.display.do("xdotool", "mousemove", str(x + 493), str(y + 200), "mousedown", "1",
@@ -89,7 +92,7 @@ class Input(X11Test):
 
     def test_folder_is_read_anew_when_it_is_selected(self):
         for name in ("a", "b"):
-            os.unlink(os.path.join(self.folder, "Folder 1", name))
+            os.unlink(os.path.join(self.folder, "Dir 1", name))
         self.korva.click(*FIRST)
         self.wait_for_items(lambda now: rows_with_text(now) == 0, "an empty pane")
 

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+
+// The contents pane on real folders, also on those that are hard to show.
+
+#include "tests/panes/ItemListWindow.h"
+
+#include "app/Messages.h"
+
+#include "tests/support/Denied.h"
+#include "tests/support/LongRun.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <fcntl.h>
+#include <set>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <thread>
+#include <unistd.h>
+
+TEST(ItemView, OpensSortedByNameInSevenColumns)
+{
+	TempTree tree{{"b", Text()}, {"C", Text()}, {"a", Dir()}, {"A", Text()}};
+	ItemListWindow it(tree);
+	// Equal but for case: in byte order, as they were read.
+	EXPECT_EQ(it.Names(), (std::vector<std::string>{"A", "a", "b", "C"}));
+	const std::vector<const char*> labels = {
+		"", "Filename", "Kind", "Size", "Permissions", "Modified", "Created"};
+	const std::vector<float> widths = {20, 65, 52, 32, 30, 70, 70};
+	ASSERT_EQ(it.list->CountColumns(), 7);
+	for (int32 i = 0; i < 7; i++) {
+		const CLVColumn* column = it.list->ColumnAt(i);
+		EXPECT_STREQ(column->Label(), labels[static_cast<size_t>(i)]);
+		EXPECT_EQ(
+			column->Width(), widths[static_cast<size_t>(i)]); // the first is raised to the least
+		EXPECT_EQ(column->Flags(), i == 0 ? CLV_COLUMN_NOT_RESIZABLE : CLV_COLUMN_SORTABLE);
+	}
+	int32 keys[8];
+	CLVSortMode modes[8];
+	ASSERT_EQ(it.list->Sorting(keys, modes), 1);
+	EXPECT_EQ(keys[0], kNameColumn);
+	EXPECT_EQ(modes[0], CLV_SORT_ASCENDING);
+	it.Do([&] { it.list->ReverseSortMode(kNameColumn); });
+	EXPECT_EQ(it.Names(), (std::vector<std::string>{"C", "b", "A", "a"}));
+}
+
+TEST(ItemView, ReadsAFolderAgainOnlyWhenForced)
+{
+	TempTree tree{{"one/1", Text()}, {"two/2", Text()}};
+	ItemListWindow it(tree);
+	entry_ref one = tree.Ref("one"), missing = tree.Ref("one");
+	missing.set_name("missing");
+	it.Do([&] { it.pane->SetFolder(&one, false); });
+	EXPECT_EQ(it.Names(), std::vector<std::string>{"1"});
+	tree.Add("one/more", Text());
+	it.Do([&] { it.pane->SetFolder(&one, false); });
+	EXPECT_EQ(it.Names(), std::vector<std::string>{"1"});
+	it.Do([&] { it.pane->Refresh(); });
+	EXPECT_EQ(it.Names(), (std::vector<std::string>{"1", "more"}));
+	// What cannot be opened leaves the rows as they are.
+	it.Do([&] { it.pane->SetFolder(&missing, false); });
+	EXPECT_EQ(it.Names(), (std::vector<std::string>{"1", "more"}));
+}
+
+TEST(ItemView, ShowsEntriesThatCannotBeRead)
+{
+	TempTree tree{{"broken", Link("none")}, {"loop", Link("loop")}, {"self", Link(".")},
+		{"secret", Text("x").Mode(0)}, {"closed/inside", Text()}, {"\xff\n", Text()}};
+	ASSERT_EQ(mkfifo((tree.Path() + "/pipe").c_str(), 0600), 0);
+	const int device = mknod((tree.Path() + "/null").c_str(), S_IFCHR | 0600, makedev(1, 3));
+	tree.SetMode(".", 0755);
+	tree.SetMode("closed", 0);
+	entry_ref closed = tree.Ref("closed");
+	{
+		const AsNobody nobody;
+		ItemListWindow it(tree);
+		EXPECT_EQ(it.Names().size(), device == 0 ? 8u : 7u);
+		it.Do([&] { it.pane->SetFolder(&closed, false); });
+		EXPECT_TRUE(it.Names().empty());
+	}
+	tree.SetMode("closed", 0700);
+}
+
+TEST(ItemView, ShowsFoldersWithoutEntriesAndWindowsWithoutRoom)
+{
+	TempTree tree{{"full/a", Text()}, {"full/b", Text()}};
+	ItemListWindow it(tree);
+	entry_ref empty = tree.Ref("full"), full = empty;
+	tree.Add("empty", Dir());
+	empty = tree.Ref("empty");
+	it.Do([&] { it.pane->SetFolder(&empty, false); });
+	EXPECT_TRUE(it.Names().empty());
+	for (const int32 size : {60, 10, 1, 400}) {
+		it.window.User().Resize(size, size);
+		it.window.Settle();
+		it.Do([&] { it.pane->SetFolder(size == 10 ? &empty : &full, true); });
+	}
+	EXPECT_EQ(it.Names().size(), 2u);
+	EXPECT_GT(CountPixels(it.window->Snapshot(), it.Cell(1, kNameColumn), 0xffffffff, false), 3);
+}
+
+TEST(ItemView, SelectsAllAndForgetsTheSelectionWithItsFolder)
+{
+	TempTree tree{{"a", Dir()}, {"b", Text()}, {"c", Text()}};
+	ItemListWindow it(tree);
+	BMessage selectAll(B_SELECT_ALL);
+	it.window->PostMessage(&selectAll, it.pane);
+	it.window.Settle();
+	EXPECT_TRUE(it.list->IsItemSelected(0) && it.list->IsItemSelected(2));
+	entry_ref folder = tree.Ref("a");
+	it.Do([&] { it.pane->SetFolder(&folder, false); });
+	EXPECT_LT(it.list->CurrentSelection(), 0);
+}
+
+// Several threads read such a folder: every entry must have one row, with its own name.
+TEST(ItemView, ShowsEveryEntryOfAHugeFolder)
+{
+	const int count = Rounds(100000, 1000000);
+	TempTree tree{{"huge", Dir()}};
+	const std::string path = tree.Path("huge");
+	const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+	for (int i = 0; i < count; i++) {
+		const std::string name = std::to_string(i * 7919L % count) + (i % 3 == 0 ? ".txt" : ".png");
+		close(openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+	}
+	close(folder);
+	ItemListWindow it(tree);
+	entry_ref huge = tree.Ref("huge");
+	it.Do([&] { it.pane->SetFolder(&huge, false); });
+	ASSERT_EQ(it.list->CountItems(), count);
+	std::set<std::string> names;
+	for (int32 i = 0; i < count; i++) {
+		const ItemListItem* row = it.list->RowAt(i);
+		names.insert(row->Name());
+		ASSERT_NE(row->GetINode(), 0) << row->Name();
+		if (i > 0) {
+			ASSERT_EQ(ItemListItem::CompareFiles(it.list->RowAt(i - 1), row, kNameColumn), -1);
+		}
+	}
+	EXPECT_EQ(names.size(), static_cast<size_t>(count));
+}
+
+// Entries come and go while the folder is read, over and over.
+TEST(ItemView, EntriesMayVanishWhileTheyAreRead)
+{
+	TempTree tree;
+	for (int i = 0; i < 600; i++)
+		tree.Add("stays " + std::to_string(i), Text());
+	std::atomic<bool> done = false;
+	std::thread storm([&] {
+		while (!done) {
+			for (int i = 0; i < 300; i++)
+				tree.Add("goes " + std::to_string(i), i % 2 == 0 ? Text() : Dir());
+			for (int i = 0; i < 300; i++)
+				tree.Remove("goes " + std::to_string(i));
+		}
+	});
+	{
+		ItemListWindow it(tree);
+		for (int i = 0; i < Rounds(20, 500); i++) {
+			it.Do([&] { it.pane->Refresh(); });
+			EXPECT_GE(it.list->CountItems(), 600);
+		}
+	}
+	done = true;
+	storm.join();
+}
