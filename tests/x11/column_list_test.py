@@ -78,7 +78,7 @@ class ColumnList(X11Test):
         self.assertEqual(self.order_of(unsorted), [2, 0, 1, 3])
 
     def test_edge_is_dragged_to_make_a_column_wider(self):
-        self.drag(KIND - 1, KIND + 39)
+        self.drag(KIND - 2, KIND + 38)
         self.drop()
         moved = self.before.part(KIND + 3, TOP, 440, 458)
         after = self.korva.wait_for_picture(
@@ -86,7 +86,7 @@ class ColumnList(X11Test):
         # There is room for the whole of each name; it was not sorted meanwhile.
         self.assertTrue(self.is_underlined(after, NAME, 30))
         name = self.row(after, 1, NAME, KIND + 35)
-        self.assertEqual(name.part(name.width - 20, 0, name.width - 1, ROW - 1).colours(), {WHITE})
+        self.assertEqual(name.part(name.width - 10, 0, name.width - 1, ROW - 1).colours(), {WHITE})
 
     def test_label_is_dragged_to_move_its_column(self):
         size = self.row(self.before, 1, SIZE + 2, PERMISSIONS - 2)
@@ -119,7 +119,7 @@ class ColumnList(X11Test):
         self.korva.wait_for_picture(lambda now: rows(now) == 1, "the root's row alone")
 
     def test_columns_narrower_than_their_text_cut_it_off(self):
-        self.drag(KIND - 1, NAME - 60)
+        self.drag(KIND - 2, NAME - 60)
         self.drop()
         # Not below the least width, 20.
         kinds = self.before.part(KIND + 3, TOP, KIND + 50, TOP + 4 * ROW)
