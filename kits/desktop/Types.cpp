@@ -7,11 +7,14 @@
 #include "BuiltinIcons.h"
 #include "GObjectPtr.h"
 #include "IconTheme.h"
+#include "Magic.h"
 
 #include <gio/gio.h>
 
+#include <algorithm>
 #include <cstring>
 #include <mutex>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 
@@ -28,6 +31,37 @@ void
 FindDatabase()
 {
 	[[maybe_unused]] static const char* const* sFolders = g_content_type_get_mime_dirs();
+}
+
+std::vector<std::string>
+ReadMagic()
+{
+	std::vector<std::string> files;
+	for (const char* const* folder = g_content_type_get_mime_dirs(); *folder != nullptr; folder++) {
+		char* bytes;
+		gsize length;
+		const std::string path = std::string(*folder) + "/mime.cache";
+		if (g_file_get_contents(path.c_str(), &bytes, &length, nullptr))
+			files.emplace_back(GText(bytes).get(), length);
+	}
+	return files;
+}
+
+// As GIO decides it where no rule fits: no control characters in the beginning, or only harmless
+// ones in all of it.
+bool
+LooksLikeText(std::string_view start)
+{
+	constexpr size_t kBeginning = 128;
+	const auto isOdd = [](char c) {
+		return static_cast<uint8>(c) < ' ' && c != '\t' && c != '\n' && c != '\r';
+	};
+	const auto isControl = [](char c) {
+		return g_ascii_iscntrl(c) && !g_ascii_isspace(c) && c != '\b';
+	};
+	const std::string_view beginning = start.substr(0, kBeginning);
+	return std::none_of(beginning.begin(), beginning.end(), isOdd) ||
+		std::none_of(start.begin(), start.end(), isControl);
 }
 
 std::string
@@ -121,8 +155,15 @@ std::string
 TypeByContent(const void* start, size_t length)
 {
 	FindDatabase();
-	return GText(g_content_type_guess(nullptr, static_cast<const guchar*>(start), length, nullptr))
-		.get();
+	static const Magic sMagic(ReadMagic());
+	const std::string_view bytes(static_cast<const char*>(start), length);
+	if (sMagic.IsEmpty() || bytes.empty()) {
+		const guchar* data = static_cast<const guchar*>(start);
+		return GText(g_content_type_guess(nullptr, data, length, nullptr)).get();
+	}
+	if (const char* type = sMagic.TypeOf(bytes))
+		return type;
+	return LooksLikeText(bytes) ? "text/plain" : kUnknownType;
 }
 
 std::string
