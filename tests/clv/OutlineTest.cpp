@@ -217,7 +217,7 @@ TEST(Outline, VisibleRowsAreThoseBelowExpandedOnes)
 {
 	for (unsigned seed = 0; seed < 10; seed++)
 		RunSteps(seed, 500, 3);
-	RunSteps(10, 60, 400); // rows by the thousand
+	RunSteps(10, 200, 400); // rows by the thousand
 }
 
 TEST(Outline, RowsUnderACollapsedOneWaitForIt)
