@@ -135,11 +135,9 @@ CLVListItem::RedrawExpander(ColumnListView* list, BRect itemRect)
 	if (column == nullptr || list->Window() == nullptr)
 		return;
 	const RowDrawing drawing(list, itemRect, *this, true);
-	const BRect oldArrow = fExpanderButtonRect;
 	DrawExpanderCell(
 		drawing, *column, BRect(column->Begin(), itemRect.top, column->End(), itemRect.bottom));
 	// Deeper in the outline the arrow lies right of its cell, on nothing that would erase the old
 	// one: that is left to the next update.
-	list->Invalidate(oldArrow);
 	list->Invalidate(fExpanderButtonRect);
 }

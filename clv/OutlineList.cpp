@@ -175,8 +175,10 @@ OutlineList::FirstUpToLevel(int32 index, uint32 level) const
 		if (offset == 0 && LowestLevel(block) > level)
 			continue;
 		for (; offset < block.items.size(); offset++) {
-			if (block.items[offset]->OutlineLevel() <= level)
+			if (block.items[offset]->OutlineLevel() <= level) {
+				Locate(number);
 				return block.first + static_cast<int32>(offset);
+			}
 		}
 	}
 	return fCount;

@@ -50,7 +50,11 @@ TEST(RowLayout, RandomChangesAgreeWithPlainSums)
 	std::mt19937 random(20);
 	RowLayout layout;
 	std::vector<float> model;
-	for (int step = 0; step < 1500; step++) {
+	for (int step = 0; step < 2000; step++) {
+		if (step % 70 == 0) {
+			layout.MakeEmpty();
+			model.clear();
+		}
 		int32 row = static_cast<int32>(random() % (model.size() + 1));
 		int32 rest = static_cast<int32>(model.size()) - row;
 		switch (random() % 4) {
