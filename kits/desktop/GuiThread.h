@@ -28,8 +28,10 @@ bool WaitForDesktop();
 
 // The main screen in logical pixels.
 struct PixelRect ScreenFrame();
-// The screen that the point is on; the main one for a point on none.
-struct PixelRect ScreenFrameAt(int32 x, int32 y);
+// What a pop-up of this size that is wanted at the point has to keep inside: the screen there. On
+// Wayland, where nobody knows how far the screen reaches, the window that the pop-up belongs to,
+// if it is large enough.
+struct PixelRect PopUpArea(int32 x, int32 y, int32 width, int32 height);
 
 // How long two presses may be apart to count as a double click; microseconds.
 bigtime_t ClickSpeed();

@@ -2,10 +2,12 @@
 
 #include "PopUps.h"
 
+#include "PixelRegionAccess.h"
 #include "WindowPeer.h"
 
 #include <QGuiApplication>
 #include <QPointer>
+#include <QScreen>
 #include <QTimer>
 
 #include <algorithm>
@@ -84,6 +86,21 @@ RouteFocusOut(QWindow& receiver, QEvent& event)
 }
 
 } // namespace
+
+PixelRect
+PopUpArea(int32 x, int32 y, int32 width, int32 height)
+{
+	PixelRect area = ScreenFrame();
+	CallGui([&] {
+		const QWindow* parent = PopUpParent();
+		if (PlatformIs("wayland") && parent != nullptr && parent->width() >= width &&
+			parent->height() >= height)
+			area = FromQt(parent->geometry());
+		else if (const QScreen* screen = QGuiApplication::screenAt({x, y}))
+			area = FromQt(screen->geometry());
+	});
+	return area;
+}
 
 QWindow*
 PopUpParent()

@@ -72,17 +72,6 @@ ScreenFrame()
 	return frame;
 }
 
-PixelRect
-ScreenFrameAt(int32 x, int32 y)
-{
-	PixelRect frame = ScreenFrame();
-	CallGui([&frame, x, y] {
-		if (const QScreen* screen = QGuiApplication::screenAt({x, y}))
-			frame = FromQt(screen->geometry());
-	});
-	return frame;
-}
-
 bigtime_t
 ClickSpeed()
 {

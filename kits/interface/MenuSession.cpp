@@ -2,14 +2,14 @@
 
 #include <interface/MenuSession.h>
 
-#include <algorithm>
-#include <vector>
+#include <condition_variable>
 
 namespace {
 
 struct Registry {
 	std::mutex lock;
-	std::vector<BPrivate::MenuSession*> sessions;
+	std::condition_variable ended;
+	BPrivate::MenuSession* session = nullptr; // under way
 };
 
 // Never destroyed: menus may close while the process ends.
@@ -26,18 +26,29 @@ BPrivate::MenuSession::MenuSession(const BWindow* owner) :
 	fDone(create_sem(0, "menu")), fOwner(owner)
 {
 	Registry& registry = TheRegistry();
-	std::lock_guard lock(registry.lock);
-	registry.sessions.push_back(this);
+	std::unique_lock lock(registry.lock);
+	while (registry.session != nullptr) {
+		registry.session->Close();
+		registry.ended.wait(lock);
+	}
+	registry.session = this;
 }
 
 BPrivate::MenuSession::~MenuSession()
 {
-	{
-		Registry& registry = TheRegistry();
-		std::lock_guard lock(registry.lock);
-		std::erase(registry.sessions, this);
-	}
+	Unregister();
 	delete_sem(fDone);
+}
+
+void
+BPrivate::MenuSession::Unregister()
+{
+	Registry& registry = TheRegistry();
+	std::lock_guard lock(registry.lock);
+	if (registry.session != this)
+		return;
+	registry.session = nullptr;
+	registry.ended.notify_all();
 }
 
 void
@@ -63,25 +74,24 @@ BPrivate::MenuSession::Finish(BMenuItem* choice)
 	fChoice = choice;
 	if (choice != nullptr && whenChosen)
 		whenChosen(choice);
+	Unregister();
 	release_sem(fDone);
 }
 
 void
-BPrivate::CloseAllMenus()
+BPrivate::CloseOpenMenu()
 {
 	Registry& registry = TheRegistry();
 	std::lock_guard lock(registry.lock);
-	for (MenuSession* session : registry.sessions)
-		session->Close();
+	if (registry.session != nullptr)
+		registry.session->Close();
 }
 
 void
-BPrivate::CloseMenusOf(const BWindow* owner)
+BPrivate::CloseMenuOf(const BWindow* owner)
 {
 	Registry& registry = TheRegistry();
 	std::lock_guard lock(registry.lock);
-	for (MenuSession* session : registry.sessions) {
-		if (session->Owner() == owner)
-			session->Close();
-	}
+	if (registry.session != nullptr && registry.session->Owner() == owner)
+		registry.session->Close();
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// One opening of a pop-up menu, from Go() to the choice; and the registry of those under way.
+// One opening of a pop-up menu, from Go() to the choice. There is one at a time, as there is one
+// mouse.
 
 #pragma once
 
@@ -17,7 +18,8 @@ namespace BPrivate {
 // Shared by who asked for the menu and the menu's own thread.
 class MenuSession {
 public:
-	// `owner` (may be null): the window that closes the menu when it quits; an address only.
+	// Closes the menu that is open, and waits for that. `owner` (may be null): the window that
+	// closes this menu when it quits; an address only.
 	explicit MenuSession(const BWindow* owner);
 	~MenuSession();
 	MenuSession(const MenuSession&) = delete;
@@ -38,6 +40,8 @@ public:
 	std::function<void(BMenuItem*)> whenChosen;
 
 private:
+	void Unregister();
+
 	const sem_id fDone;
 	const BWindow* const fOwner;
 	BMenuItem* fChoice = nullptr;
@@ -49,8 +53,8 @@ private:
 // Posted to the window of a menu.
 constexpr uint32 kMsgCloseMenu = '_MNC';
 
-// Neither waits for the end of the menus.
-void CloseAllMenus();
-void CloseMenusOf(const BWindow* owner);
+// The menu that is open, if there is one, or if it is the window's. Neither waits for its end.
+void CloseOpenMenu();
+void CloseMenuOf(const BWindow* owner);
 
 } // namespace BPrivate

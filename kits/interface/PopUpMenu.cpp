@@ -5,9 +5,19 @@
 #include <desktop/GuiThread.h>
 #include <interface/MenuWindow.h>
 #include <interface/Modal.h>
+#include <interface/Region.h>
 #include <kernel/DeferKill.h>
 
 #include <cmath>
+
+// Of the screen: what a menu that is wanted there has to keep inside.
+static BRect
+AreaFor(BPoint where, const BPrivate::MenuRows& rows)
+{
+	return BPrivate::ToRect(desktop::PopUpArea(static_cast<int32>(std::floor(where.x)),
+		static_cast<int32>(std::floor(where.y)), rows.Width(),
+		rows.Height() + 2 * BPrivate::kMenuEdge));
+}
 
 static void
 Accept(BMenuItem* item, bool deliversMessage)
@@ -45,22 +55,20 @@ BPopUpMenu::Go(BPoint where, bool deliversMessage, bool openAnyway, BRect clickT
 	if (!openAnyway && input.buttons == 0 && !call.HandlesPress())
 		return nullptr;
 	_Close();
-	BPrivate::CloseAllMenus(); // there is one mouse
 	auto rows = std::make_shared<BPrivate::MenuRows>(*this);
 	if (rows->Count() == 0)
 		return nullptr;
+	call.EndCapture(); // first, since the hook may do anything
+	auto session = std::make_shared<BPrivate::MenuSession>(call.Window());
 	BPrivate::MenuTracker::Start start;
 	start.where = where;
-	start.screen = BPrivate::ToRect(desktop::ScreenFrameAt(
-		static_cast<int32>(std::floor(where.x)), static_cast<int32>(std::floor(where.y))));
+	start.screen = AreaFor(where, *rows);
 	start.pointer = BPoint(input.x, input.y);
 	start.held = input.buttons != 0;
 	start.stays = openAnyway;
 	start.clickToOpen = clickToOpen;
 	start.when = system_time();
 
-	call.EndCapture();
-	auto session = std::make_shared<BPrivate::MenuSession>(call.Window());
 	if (async)
 		session->whenChosen = [=](BMenuItem* item) { Accept(item, deliversMessage); };
 	(new BPrivate::MenuMasterWindow(Name(), rows, start, session))->Open();

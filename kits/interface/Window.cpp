@@ -28,7 +28,7 @@ void
 CloseModalWindows()
 {
 	BPrivate::CloseAllAlerts();
-	BPrivate::CloseAllMenus();
+	BPrivate::CloseOpenMenu();
 }
 
 desktop::WindowKind
@@ -87,7 +87,7 @@ BWindow::Quit()
 {
 	if (fMayShow) {
 		fMayShow = false;
-		BPrivate::CloseMenusOf(this);
+		BPrivate::CloseMenuOf(this);
 		if (fSurface->Native() != nullptr)
 			fSurface->Native()->Hide();
 		fTop->_CallDetached();

@@ -224,6 +224,18 @@ class Menu(X11Test):
         self.lines()
         self.assert_works()
 
+    def test_gives_way_to_the_window_of_another_program(self):
+        self.open()
+        first, first_output = self.program, self.output
+        self.launch("--open")  # it cannot have mouse and keys before the first menu has closed
+        self.program.steady_picture("menu")
+        wait_until(lambda: first.find_window("menu") is None, "the end of the first menu")
+        self.read = 0
+        self.display.press("Down", "Return")
+        self.assertEqual(self.wait_for_choice(), "chose Open")
+        said = os.pread(first_output.fileno(), 1 << 20, 0).decode().splitlines()
+        self.assertEqual(said[-4:], ["open", "chose nothing", "buttons 0", "inactive"])
+
     def test_ends_with_the_program(self):
         self.open()
         self.program.process.terminate()

@@ -3,6 +3,7 @@
 #include <interface/PopUpMenu.h>
 
 #include <app/AppDefs.h>
+#include <interface/Alert.h>
 #include <interface/Look.h>
 #include <interface/MenuRows.h>
 #include <interface/MenuSession.h>
@@ -86,7 +87,7 @@ protected:
 		fPage->activations = 0;
 		fPage->moves = 0;
 	}
-	~Menu() override { BPrivate::CloseAllMenus(); }
+	~Menu() override { BPrivate::CloseOpenMenu(); }
 
 	// In the window's thread.
 	void Go()
@@ -128,7 +129,7 @@ protected:
 	{
 		if (fChoice.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
 			ADD_FAILURE() << "the menu stays open";
-			BPrivate::CloseAllMenus();
+			BPrivate::CloseOpenMenu();
 		}
 		return fChoice.get();
 	}
@@ -316,7 +317,7 @@ TEST_F(Menu, TheWindowBehindPaintsButHandlesNothing)
 TEST_F(Menu, ClosesWhenTheWindowOrTheProgramIsToQuit)
 {
 	Open();
-	BPrivate::CloseAllMenus();
+	BPrivate::CloseOpenMenu();
 	EXPECT_EQ(Choice(), nullptr);
 
 	Open();
@@ -347,6 +348,16 @@ TEST_F(Menu, ClosesWhenTheProgramLosesTheFocus)
 	fUser->Deactivate();
 	EXPECT_EQ(Choice(), nullptr);
 	EXPECT_TRUE(WaitUntil([&] { return fPage->activations == 1; })) << "the window is told too";
+}
+
+TEST_F(Menu, ClosesForAnAlert)
+{
+	Open();
+	std::future<int32> answer = std::async(
+		std::launch::async, [] { return (new BAlert("over a menu", "Well?", "Yes"))->Go(); });
+	EXPECT_EQ(Choice(), nullptr);
+	InjectedUser("over a menu").KeyDown({B_ENTER});
+	EXPECT_EQ(answer.get(), 0);
 }
 
 TEST_F(Menu, SendsMessagesOnlyWhenAsked)
