@@ -19,6 +19,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -351,20 +352,55 @@ TEST(Lifecycle, ALooperWhoseThreadEndsBeforeItsTimeIsDeletedByItOrByQuit)
 			messenger.SendMessage(kMsgExitThread);
 			wait_for_thread(thread);
 		} else {
-			// Only a looper that looks for a message comes to where it can be killed.
-			std::atomic<bool> killed = false;
-			std::thread poster([&] {
-				while (!killed && messenger.SendMessage(kMsgWork) == B_OK)
-					snooze(50);
-			});
-			kill_thread(thread);
-			killed = true;
-			poster.join();
+			kill_thread(thread); // before its first message, or while it waits for one
 			LockAndQuit(looper);
 		}
 		EXPECT_FALSE(messenger.IsValid());
 		EXPECT_EQ(0, sLiving);
 	}
+}
+
+// A window that tells the application to quit when it is asked itself, beside one that refuses.
+TEST(Lifecycle, AnApplicationTakesRequestsToQuitThatComeWhileItAsksForOne)
+{
+	class Asking : public BApplication {
+	public:
+		Asking() : BApplication("application/x-asking") {}
+		bool QuitRequested() override
+		{
+			asked++;
+			PostMessage(B_QUIT_REQUESTED);
+			be_app_messenger.SendMessage(B_QUIT_REQUESTED);
+			return asked > 2;
+		}
+		void MessageReceived(BMessage*) override { trace += std::to_string(asked); }
+		int asked = 0;
+		std::string trace;
+	} application;
+	for (int i = 0; i < 3; i++) {
+		application.PostMessage(B_QUIT_REQUESTED);
+		application.PostMessage(kMsgWork);
+	}
+	application.Run();
+	EXPECT_EQ(3, application.asked) << "once for each that was posted before";
+	EXPECT_EQ("12", application.trace) << "in their place among the messages";
+}
+
+TEST(Lifecycle, AnApplicationIsFoundByItsSignature)
+{
+	status_t status = B_ERROR;
+	{
+		BApplication application("application/x-Korva-test");
+		EXPECT_EQ(be_app_messenger, BMessenger("application/x-korva-TEST", -1, &status));
+		EXPECT_EQ(B_OK, status);
+		EXPECT_TRUE(BMessenger("application/x-korva-test", getpid()).IsValid());
+		EXPECT_FALSE(BMessenger("application/x-korva-test", getpid() + 1, &status).IsValid());
+		EXPECT_EQ(B_BAD_VALUE, status);
+		EXPECT_FALSE(BMessenger("application/x-other").IsValid());
+		EXPECT_FALSE(BMessenger(static_cast<const char*>(nullptr)).IsValid());
+	}
+	EXPECT_FALSE(BMessenger("application/x-korva-test", -1, &status).IsValid());
+	EXPECT_EQ(B_BAD_VALUE, status);
 }
 
 TEST(Lifecycle, AnApplicationReadsItsArgumentsThenIsReadyThenReadsItsMessages)

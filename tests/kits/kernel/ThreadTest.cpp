@@ -6,6 +6,7 @@
 
 #include <kernel/DeferKill.h>
 #include <kernel/FairLock.h>
+#include <kernel/WakeUp.h>
 
 #include <cstring>
 #include <deque>
@@ -18,6 +19,7 @@
 
 using BPrivate::DeferKill;
 using BPrivate::FairLock;
+using BPrivate::WakeUp;
 
 TEST(Thread, StartsOnlyWhenWantedAndLeavesItsResult)
 {
@@ -152,6 +154,7 @@ TEST(Thread, KillEndsEveryKindOfWait)
 {
 	sem_id sem = create_sem(0, "never");
 	FairLock lock;
+	WakeUp wakeUp;
 	Worker full([] { suspend_thread(find_thread(nullptr)); });
 	send_data(full.Id(), 1, nullptr, 0);
 	struct Case {
@@ -167,6 +170,8 @@ TEST(Thread, KillEndsEveryKindOfWait)
 		{"send_data", [&] { send_data(full.Id(), 2, "data", 4); }},
 		{"the end of the killer", [main = find_thread(nullptr)] { wait_for_thread(main); }},
 		{"lock of the killer", [&] { lock.Lock(); }},
+		{"wake-up", [&] { wakeUp.Wait(B_INFINITE_TIMEOUT); }},
+		{"timed wake-up", [&] { wakeUp.Wait(system_time() + 3'600'000'000); }},
 	};
 	ASSERT_EQ(B_OK, lock.Lock());
 	for (const Case& test : cases) {
