@@ -1,21 +1,13 @@
 // SPDX-License-Identifier: MIT
 
-// Randomness for tests that try many orders of events: the seed is fixed and printed, the number
-// of rounds small unless the environment says KORVA_LONG=1.
+// Randomness for tests that try many orders of events: the seed is fixed and printed.
 
 #pragma once
 
-#include <cstdio>
-#include <cstdlib>
-#include <random>
-#include <string>
+#include "tests/support/LongRun.h"
 
-inline int
-StormRounds(int few, int many)
-{
-	const char* value = std::getenv("KORVA_LONG");
-	return value != nullptr && std::string(value) == "1" ? many : few;
-}
+#include <cstdio>
+#include <random>
 
 // One for each thread.
 class Dice {

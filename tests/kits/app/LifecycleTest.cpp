@@ -225,7 +225,7 @@ DoSomething(Pool& pool, Dice& dice)
 
 TEST(Lifecycle, LoopersHandlersAndMessengersInAStormOfThreadsThatAreKilled)
 {
-	const int rounds = StormRounds(60, 3000);
+	const int rounds = Rounds(60, 3000);
 	constexpr int kThreads = 4;
 	sLiving = 0;
 	Pool pool(kPlaces);
@@ -261,7 +261,7 @@ TEST(Lifecycle, LoopersHandlersAndMessengersInAStormOfThreadsThatAreKilled)
 
 TEST(Lifecycle, ManyQuitTheSameLooperAtOnceWhileSendersWait)
 {
-	for (int i = 0; i < StormRounds(50, 2000); i++) {
+	for (int i = 0; i < Rounds(50, 2000); i++) {
 		sLiving = 0;
 		Worker* looper = new Worker;
 		const BMessenger messenger(looper);
@@ -293,7 +293,7 @@ TEST(Lifecycle, ManyQuitTheSameLooperAtOnceWhileSendersWait)
 
 TEST(Lifecycle, AHandlerMayBeDeletedAsSoonAsItsLooperCannotBeLocked)
 {
-	for (int i = 0; i < StormRounds(200, 4000); i++) {
+	for (int i = 0; i < Rounds(200, 4000); i++) {
 		Worker* looper = new Worker;
 		std::vector<std::unique_ptr<Cell>> cells;
 		for (int j = 0; j < 8; j++) {
@@ -322,7 +322,7 @@ TEST(Lifecycle, KilledLockersLeaveNothingBehind)
 			looper->Unlock();
 		}
 	};
-	for (int i = 0; i < StormRounds(20, 1000); i++) {
+	for (int i = 0; i < Rounds(20, 1000); i++) {
 		std::vector<thread_id> threads;
 		for (int j = 0; j < 4; j++)
 			threads.push_back(Spawn(&lockAndUnlock));
@@ -343,7 +343,7 @@ TEST(Lifecycle, KilledLockersLeaveNothingBehind)
 
 TEST(Lifecycle, ALooperWhoseThreadEndsBeforeItsTimeIsDeletedByItOrByQuit)
 {
-	for (int i = 0; i < StormRounds(50, 2000); i++) {
+	for (int i = 0; i < Rounds(50, 2000); i++) {
 		sLiving = 0;
 		Worker* looper = new Worker;
 		const BMessenger messenger(looper);
@@ -455,7 +455,7 @@ TEST(Lifecycle, ApplicationsEndEveryLooperThatRuns)
 		const int fGenerations;
 	};
 	Dice dice(20261124);
-	for (int i = 0; i < StormRounds(30, 600); i++) {
+	for (int i = 0; i < Rounds(30, 600); i++) {
 		sLiving = 0;
 		std::atomic<bool> ended = false;
 		std::thread outsider;

@@ -24,9 +24,10 @@ TEST(FinishThreads, WaitsForWorkAndEndsWhatOnlyWaits)
 	Worker idle([&] { wakeUp.Wait(B_INFINITE_TIMEOUT); });
 	Worker joining([&] { wait_for_thread(suspended.Id()); });
 	Worker neverRan([] { ADD_FAILURE() << "must not run"; });
-	std::deque<Worker*> resting = {&suspended, &listening, &waiting, &idle, &joining};
+	std::deque<Worker*> resting = {&suspended, &listening, &waiting, &idle};
 	for (Worker* worker : resting)
 		worker->StartToSleep();
+	joining.StartToSleep();
 	Worker working([&] {
 		for (int i = 0; i < 20; i++) {
 			snooze(1000);
@@ -39,6 +40,7 @@ TEST(FinishThreads, WaitsForWorkAndEndsWhatOnlyWaits)
 	EXPECT_TRUE(working.IsGone() && !working.WasUnwound());
 	for (Worker* worker : resting)
 		EXPECT_TRUE(worker->IsGone() && worker->WasUnwound());
+	EXPECT_TRUE(joining.IsGone()) << "killed, or done with its wait when that one was";
 	EXPECT_EQ(B_OK, kill_thread(neverRan.Id()));
 	delete_sem(never);
 }

@@ -3,11 +3,13 @@
 // Threads: life and death, suspension, thread data.
 
 #include "tests/kits/kernel/Worker.h"
+#include "tests/support/Storm.h"
 
 #include <kernel/DeferKill.h>
 #include <kernel/FairLock.h>
 #include <kernel/WakeUp.h>
 
+#include <climits>
 #include <cstring>
 #include <deque>
 #include <memory>
@@ -317,14 +319,12 @@ TEST(Thread, DataComesInTheOrderOfItsSenders)
 // Threads that wait in all ways at random while others kill, suspend and resume them.
 TEST(Thread, StormOfKillsEndsAll)
 {
-	constexpr unsigned kSeed = 20240611;
-	RecordProperty("seed", kSeed);
-	std::minstd_rand random(kSeed);
+	Dice dice(20240611);
 	FairLock lock;
 	sem_id sem = create_sem(2, "shared");
 	std::atomic<int> inside = 0;
-	auto live = [&](unsigned seed) {
-		std::minstd_rand own(seed);
+	auto live = [&](int seed) {
+		std::minstd_rand own(static_cast<unsigned>(seed));
 		for (;;) {
 			switch (own() % 5) {
 				case 0:
@@ -348,20 +348,21 @@ TEST(Thread, StormOfKillsEndsAll)
 			}
 		}
 	};
-	for (int round = 0; round < 60; round++) {
+	const int rounds = Rounds(60, 3000);
+	for (int round = 0; round < rounds; round++) {
 		std::deque<Worker> workers;
 		for (int i = 0; i < 6; i++)
-			workers.emplace_back([&live, seed = random()] { live(seed); }).Start();
+			workers.emplace_back([&live, seed = dice(INT_MAX)] { live(seed); }).Start();
 		for (int i = 0; i < 40; i++) {
-			thread_id thread = workers[random() % workers.size()].Id();
-			random() % 3 == 0 ? suspend_thread(thread) : resume_thread(thread);
+			thread_id thread = workers[static_cast<size_t>(dice(6))].Id();
+			dice(3) == 0 ? suspend_thread(thread) : resume_thread(thread);
 		}
-		bool locked = random() % 2 == 0;
+		bool locked = dice(2) == 0;
 		// The lock may be held by one that is suspended; kill_thread makes it run on.
 		if (locked && lock.Lock(1000) != B_OK)
 			locked = false;
 		for (Worker& worker : workers)
-			ASSERT_EQ(B_OK, kill_thread(worker.Id())) << "seed " << kSeed << " round " << round;
+			ASSERT_EQ(B_OK, kill_thread(worker.Id())) << "round " << round;
 		if (locked)
 			lock.Unlock();
 	}
