@@ -33,6 +33,7 @@ LooperCore::Enqueue(std::unique_ptr<BMessage> message, bool first)
 		// A loop that is busy looks into its queue before it waits: no need to wake it.
 		if (!fWaiting)
 			return true;
+		fWaiting = false; // one wake-up is enough
 	}
 	fWakeUp.Wake();
 	return true;

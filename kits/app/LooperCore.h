@@ -73,7 +73,7 @@ private:
 	WakeUp fWakeUp;
 	std::deque<std::unique_ptr<BMessage>> fQueue;
 	bool fWoken = false;
-	bool fWaiting = false;
+	bool fWaiting = false; // and nobody has woken it yet
 };
 
 // Every looper from its construction to the start of its destruction, by address, so that calls

@@ -8,11 +8,11 @@ using namespace BPrivate::KernelKit;
 
 namespace {
 
+// One that the system had no thread for starts when another ends, be it killed.
 bool
 Runs(const Thread& thread)
 {
-	return thread.function != nullptr &&
-		(thread.life == Thread::Life::kStarted || thread.life == Thread::Life::kQueued);
+	return thread.function != nullptr && thread.life == Thread::Life::kStarted;
 }
 
 // Only another thread can make it go on.

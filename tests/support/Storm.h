@@ -9,10 +9,17 @@
 #include <cstdio>
 #include <random>
 
+inline unsigned
+PrintedSeed(unsigned seed)
+{
+	std::printf("[     seed ] %u\n", seed);
+	return seed;
+}
+
 // One for each thread.
 class Dice {
 public:
-	explicit Dice(unsigned seed) : fRandom(seed) { std::printf("[     seed ] %u\n", seed); }
+	explicit Dice(unsigned seed) : fRandom(PrintedSeed(seed)) {}
 
 	int operator()(int sides) { return static_cast<int>(fRandom() % static_cast<unsigned>(sides)); }
 

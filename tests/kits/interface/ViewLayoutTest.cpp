@@ -2,6 +2,7 @@
 
 #include <interface/View.h>
 
+#include "tests/support/Storm.h"
 #include "tests/support/TestWindow.h"
 
 #include <gtest/gtest.h>
@@ -71,9 +72,8 @@ constexpr uint32 kRedPixel = 0xffff0000, kGreenPixel = 0xff00ff00, kBluePixel = 
 
 TEST(ViewLayout, EdgesFollowTheirSidesAtFractionalSizes)
 {
-	constexpr unsigned kSeed = 7;
-	RecordProperty("seed", kSeed);
-	std::mt19937 random(kSeed);
+	const unsigned seed = PrintedSeed(7);
+	std::mt19937 random(seed);
 	auto fraction = [&] { return static_cast<float>(random() % 4000) / 8; };
 	for (uint32 h : kHorizontal) {
 		for (uint32 v : kVertical) {

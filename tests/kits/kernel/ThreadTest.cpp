@@ -7,6 +7,7 @@
 
 #include <kernel/DeferKill.h>
 #include <kernel/FairLock.h>
+#include <kernel/FinishThreads.h>
 #include <kernel/WakeUp.h>
 
 #include <climits>
@@ -374,7 +375,7 @@ TEST(Thread, StormOfKillsEndsAll)
 
 // In a process of its own, whose user may have no further threads: those wanted start late.
 static void
-RunMoreThreadsThanAllowed()
+RunMoreThreadsThanAllowed(bool atTheEnd)
 {
 	sem_id go = create_sem(0, "go");
 	std::atomic<int> ran = 0;
@@ -394,6 +395,8 @@ RunMoreThreadsThanAllowed()
 	Worker never([] { _exit(4); });
 	never.Start();
 	kill_thread(never.Id());
+	if (atTheEnd)
+		BPrivate::FinishThreads();
 	for (int i = 0; i < 3; i++)
 		release_sem(go);
 	bool all = WaitUntil([&] { return ran == 30; });
@@ -404,5 +407,6 @@ RunMoreThreadsThanAllowed()
 TEST(ThreadDeathTest, ThreadsBeyondTheSystemsLimitStartLate)
 {
 	testing::GTEST_FLAG(death_test_style) = "threadsafe";
-	EXPECT_EXIT(RunMoreThreadsThanAllowed(), testing::ExitedWithCode(0), "");
+	EXPECT_EXIT(RunMoreThreadsThanAllowed(false), testing::ExitedWithCode(0), "");
+	EXPECT_EXIT(RunMoreThreadsThanAllowed(true), testing::ExitedWithCode(0), "");
 }
