@@ -98,6 +98,7 @@ BApplication::BApplication(const char* signature, status_t* error) :
 {
 	be_app = this;
 	be_app_messenger = BMessenger(this);
+	BPrivate::SetRunningApplication(signature, be_app_messenger);
 	// From the GUI thread, which must take no lock of a looper: posting takes none.
 	desktop::SetQuitHandler([messenger = be_app_messenger] {
 		BMessage quit(B_QUIT_REQUESTED);
@@ -111,6 +112,7 @@ BApplication::~BApplication()
 {
 	const BPrivate::DeferKill noKill;
 	desktop::SetQuitHandler({});
+	BPrivate::SetRunningApplication("", BMessenger());
 	// A window's thread may wait for this lock before it lets go of its own.
 	while (IsLocked())
 		Unlock();
@@ -172,6 +174,27 @@ BApplication::QuitRequested()
 	return true;
 }
 
+// A window may answer by asking the application to quit. That is the same question: taken for
+// another it would never end where a second window refuses.
+bool
+BApplication::_AskToQuit()
+{
+	int32 earlier = 0;
+	auto count = [&](const BMessage& message) {
+		earlier += message.what == B_QUIT_REQUESTED;
+		return false;
+	};
+	fCore->Visit(count);
+	const bool agreed = QuitRequested();
+	int32 seen = 0;
+	auto isNew = [&](const BMessage& message) {
+		return message.what == B_QUIT_REQUESTED && seen++ >= earlier;
+	};
+	while (fCore->TakeFirst(isNew))
+		seen = 0;
+	return agreed;
+}
+
 void
 BApplication::DispatchMessage(BMessage* message, BHandler* target)
 {
@@ -181,7 +204,7 @@ BApplication::DispatchMessage(BMessage* message, BHandler* target)
 	}
 	switch (message->what) {
 		case B_QUIT_REQUESTED:
-			if (!fQuitting && QuitRequested())
+			if (!fQuitting && _AskToQuit())
 				Quit();
 			break;
 		case B_ARGV_RECEIVED:
@@ -214,12 +237,6 @@ BApplication::_ArgumentsReceived(const BMessage& message)
 		arguments.push_back(each.data());
 	arguments.push_back(nullptr);
 	ArgvReceived(static_cast<int32>(texts.size()), arguments.data());
-}
-
-void
-BApplication::MessageReceived(BMessage* message)
-{
-	BLooper::MessageReceived(message);
 }
 
 void

@@ -25,7 +25,6 @@ public:
 	// application's own lock is given up meanwhile.
 	bool QuitRequested() override;
 	void DispatchMessage(BMessage* message, BHandler* target) override;
-	void MessageReceived(BMessage* message) override;
 
 	virtual void ReadyToRun();
 	virtual void ArgvReceived(int32 argc, char** argv); // as main() gets them
@@ -39,6 +38,7 @@ public:
 	void SetCursor(const void* cursor);
 
 private:
+	bool _AskToQuit();
 	void _ArgumentsReceived(const BMessage& message);
 
 	std::string fSignature;

@@ -325,17 +325,6 @@ BLooper::AddCommonFilter(BMessageFilter* filter)
 	fCommonFilters.push_back(filter);
 }
 
-bool
-BLooper::RemoveCommonFilter(BMessageFilter* filter)
-{
-	auto found = std::find(fCommonFilters.begin(), fCommonFilters.end(), filter);
-	if (found == fCommonFilters.end())
-		return false;
-	fCommonFilters.erase(found);
-	filter->fLooper = nullptr;
-	return true;
-}
-
 BMessage*
 BLooper::CurrentMessage() const
 {
@@ -357,12 +346,6 @@ BLooper::DispatchMessage(BMessage* message, BHandler* target)
 		return;
 	}
 	target->MessageReceived(message);
-}
-
-void
-BLooper::MessageReceived(BMessage* message)
-{
-	BHandler::MessageReceived(message);
 }
 
 bigtime_t

@@ -54,14 +54,12 @@ public:
 	void SetPreferredHandler(BHandler* handler);
 	BHandler* PreferredHandler() const { return fPreferred; }
 	void AddCommonFilter(BMessageFilter* filter); // owned from now on
-	bool RemoveCommonFilter(BMessageFilter* filter);
 
 	// The message being handled; null between messages. Looper's thread only.
 	BMessage* CurrentMessage() const;
 	BMessage* DetachCurrentMessage(); // the caller owns it from now on
 
 	virtual void DispatchMessage(BMessage* message, BHandler* target);
-	void MessageReceived(BMessage* message) override;
 
 protected:
 	~BLooper() override; // by Quit() only, or by an application on the stack

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <condition_variable>
 #include <shared_mutex>
+#include <strings.h>
 
 namespace BPrivate {
 
@@ -31,8 +33,9 @@ LooperCore::Enqueue(std::unique_ptr<BMessage> message, bool first)
 		// A loop that is busy looks into its queue before it waits: no need to wake it.
 		if (!fWaiting)
 			return true;
+		fWaiting = false; // one wake-up is enough
 	}
-	fQueueChanged.notify_one();
+	fWakeUp.Wake();
 	return true;
 }
 
@@ -43,23 +46,19 @@ LooperCore::Wake()
 		std::lock_guard lock(fQueueMutex);
 		fWoken = true;
 	}
-	fQueueChanged.notify_one();
+	fWakeUp.Wake();
 }
 
 void
 LooperCore::Wait(bigtime_t deadline)
 {
 	std::unique_lock lock(fQueueMutex);
-	auto ready = [this] { return !fQueue.empty() || fWoken; };
-	if (!ready()) {
+	while (
+		fQueue.empty() && !fWoken && (deadline == B_INFINITE_TIMEOUT || system_time() < deadline)) {
 		fWaiting = true;
-		if (deadline == B_INFINITE_TIMEOUT)
-			fQueueChanged.wait(lock, ready);
-		else {
-			// system_time() and the steady clock are the same clock.
-			std::chrono::steady_clock::time_point until{std::chrono::microseconds(deadline)};
-			fQueueChanged.wait_until(lock, until, ready);
-		}
+		lock.unlock();
+		fWakeUp.Wait(deadline);
+		lock.lock();
 		fWaiting = false;
 	}
 	fWoken = false;
@@ -140,6 +139,20 @@ TheRegistry()
 
 std::atomic<void (*)()> sPrepareToQuit = nullptr;
 
+struct Application {
+	std::mutex lock;
+	std::string signature;
+	BMessenger messenger;
+};
+
+// Never destroyed, as the registry.
+Application&
+TheApplication()
+{
+	static Application* sApplication = new Application;
+	return *sApplication;
+}
+
 } // namespace
 
 std::shared_ptr<LooperCore>
@@ -206,6 +219,26 @@ NewHandlerToken()
 {
 	static std::atomic<int64> last = 0;
 	return ++last;
+}
+
+void
+SetRunningApplication(const char* signature, const BMessenger& messenger)
+{
+	Application& application = TheApplication();
+	std::lock_guard lock(application.lock);
+	application.signature = signature;
+	application.messenger = messenger;
+}
+
+BMessenger
+RunningApplication(const char* signature)
+{
+	Application& application = TheApplication();
+	std::lock_guard lock(application.lock);
+	// As types of files, signatures compare without case.
+	if (signature == nullptr || strcasecmp(application.signature.c_str(), signature) != 0)
+		return BMessenger();
+	return application.messenger;
 }
 
 void

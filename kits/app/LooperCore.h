@@ -8,10 +8,11 @@
 #pragma once
 
 #include <app/Message.h>
+#include <app/Messenger.h>
 #include <kernel/FairLock.h>
+#include <kernel/WakeUp.h>
 
 #include <atomic>
-#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -38,7 +39,8 @@ public:
 	bool PostFirst(std::unique_ptr<BMessage> message);
 	// Makes the loop look at its wake-up time and its end again.
 	void Wake();
-	// Returns when a message waits, Wake() was called, or `deadline` (system_time()) has come.
+	// Returns when a message waits, Wake() was called, or `deadline` (system_time()) has come. A
+	// kill ends the caller here.
 	void Wait(bigtime_t deadline);
 	// Takes the oldest message, or null. With the lock held: who holds the lock sees a queue that
 	// nobody takes from.
@@ -68,10 +70,10 @@ private:
 	BLooper* fLooper;
 	std::atomic<bool> fClosed = false;
 	mutable std::mutex fQueueMutex;
-	std::condition_variable fQueueChanged;
+	WakeUp fWakeUp;
 	std::deque<std::unique_ptr<BMessage>> fQueue;
 	bool fWoken = false;
-	bool fWaiting = false;
+	bool fWaiting = false; // and nobody has woken it yet
 };
 
 // Every looper from its construction to the start of its destruction, by address, so that calls
@@ -100,5 +102,10 @@ void EndWatching(int64 handlerToken);
 // and menus hold their windows' locks.
 void SetQuitPreparation(void (*prepare)());
 void PrepareToQuit();
+
+// What other threads may know of the application, whose own members go with it.
+void SetRunningApplication(const char* signature, const BMessenger& messenger);
+// The application of this process when it has that signature, else unset.
+BMessenger RunningApplication(const char* signature);
 
 } // namespace BPrivate

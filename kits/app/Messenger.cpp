@@ -7,6 +7,8 @@
 
 #include "kits/app/LooperCore.h"
 
+#include <unistd.h>
+
 using BPrivate::LooperCore;
 using BPrivate::LooperRegistry;
 using BPrivate::MessageAccess;
@@ -34,6 +36,14 @@ BMessenger::BMessenger(const BHandler* handler, const BLooper* looper, status_t*
 		status = B_BAD_VALUE; // a looper that is gone
 	if (error != nullptr)
 		*error = status;
+}
+
+BMessenger::BMessenger(const char* signature, team_id team, status_t* error)
+{
+	if (team < 0 || team == getpid())
+		*this = BPrivate::RunningApplication(signature);
+	if (error != nullptr)
+		*error = fCore ? B_OK : B_BAD_VALUE;
 }
 
 bool

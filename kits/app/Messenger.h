@@ -26,6 +26,10 @@ public:
 	explicit BMessenger(
 		const BHandler* handler, const BLooper* looper = nullptr, status_t* error = nullptr);
 
+	// The application of that signature; only that of this process is ever found. `team`: its
+	// process, or any by -1. B_BAD_VALUE: none such runs.
+	explicit BMessenger(const char* signature, team_id team = -1, status_t* error = nullptr);
+
 	bool IsValid() const; // the target's looper still exists
 
 	// Locks the target's looper. False without a target or when looper or handler are gone.

@@ -464,10 +464,4 @@ Canvas::PixelAt(int32 deviceX, int32 deviceY) const
 	return fData->Row(deviceY)[deviceX] | kOpaque;
 }
 
-bool
-Canvas::SavePNG(const std::string& path) const
-{
-	return fData->image.save(QString::fromLocal8Bit(path.c_str()), "PNG");
-}
-
 } // namespace desktop

@@ -9,7 +9,6 @@
 
 #include <functional>
 #include <memory>
-#include <string>
 
 namespace desktop {
 
@@ -110,9 +109,8 @@ public:
 	// number of device pixels) areas and lines fit, but text is bent: better draw it again.
 	bool MovesExactly(int32 dx, int32 dy) const;
 
-	// For tests and screenshots: 0xffRRGGBB of a device pixel; PNG file of everything.
+	// For tests: 0xffRRGGBB of a device pixel.
 	uint32 PixelAt(int32 deviceX, int32 deviceY) const;
-	bool SavePNG(const std::string& path) const;
 
 private:
 	friend class NativeWindow;

@@ -11,6 +11,7 @@
 #include <QObject>
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <memory>
@@ -38,19 +39,20 @@ struct Job {
 
 class JobQueue {
 public:
+	enum class State { kStarting, kUp, kGone, kLost };
+
 	bool Call(const std::function<void()>& job);
 	bool Post(std::function<void()> job);
 	bool WaitUntilUp();
-	bool IsUp();
+	bool Is(State state);
 
 	void Open();
 	void Close(bool displayLost);
 	void RunNext();
 
 private:
-	enum class State { kStarting, kUp, kGone };
-
-	void Wake(); // lock held
+	bool IsOver() const { return fState == State::kGone || fState == State::kLost; } // lock held
+	void Wake();                                                                     // lock held
 	void Push(Job job);
 
 	std::mutex fLock;
@@ -94,7 +96,7 @@ JobQueue::Call(const std::function<void()>& job)
 		&job, {}
 	};
 	std::unique_lock lock(fLock);
-	if (fState == State::kGone)
+	if (IsOver())
 		return false;
 	Push({&call, nullptr});
 	call.ended.wait(lock, [&call] { return call.over; });
@@ -105,7 +107,7 @@ bool
 JobQueue::Post(std::function<void()> job)
 {
 	std::unique_lock lock(fLock);
-	if (fState == State::kGone) {
+	if (IsOver()) {
 		lock.unlock(); // what the job owns may do anything when it is deleted
 		return false;
 	}
@@ -138,10 +140,10 @@ JobQueue::WaitUntilUp()
 }
 
 bool
-JobQueue::IsUp()
+JobQueue::Is(State state)
 {
 	std::lock_guard lock(fLock);
-	return fState == State::kUp;
+	return fState == state;
 }
 
 void
@@ -163,7 +165,7 @@ JobQueue::Close(bool displayLost)
 	std::unique_ptr<QObject> receiver;
 	{
 		std::lock_guard lock(fLock);
-		fState = State::kGone;
+		fState = displayLost ? State::kLost : State::kGone;
 		dropped.swap(fJobs);
 		receiver = std::move(fReceiver);
 		for (const Job& job : dropped) {
@@ -227,6 +229,9 @@ Wish()
 	static QuitWish* sWish = new QuitWish;
 	return *sWish;
 }
+
+std::atomic<bool> sProgramHasEnded = false;
+std::atomic<void (*)()> sEndHandler = nullptr;
 
 std::vector<std::string>&
 Arguments()
@@ -297,6 +302,26 @@ AskToQuit()
 		wish.asked = true;
 }
 
+bool
+ProgramHasEnded()
+{
+	return sProgramHasEnded;
+}
+
+void
+SetEndHandler(void (*handler)())
+{
+	sEndHandler = handler;
+}
+
+void
+EndProgram()
+{
+	sProgramHasEnded = true;
+	if (void (*handler)() = sEndHandler)
+		handler();
+}
+
 const std::vector<std::string>&
 ProgramArguments()
 {
@@ -330,7 +355,13 @@ CloseJobQueue(bool displayLost)
 bool
 DesktopIsUp()
 {
-	return Queue().IsUp();
+	return Queue().Is(JobQueue::State::kUp);
+}
+
+bool
+DisplayIsLost()
+{
+	return Queue().Is(JobQueue::State::kLost);
 }
 
 } // namespace desktop

@@ -61,4 +61,9 @@ const std::vector<std::string>& ProgramArguments();
 // SIGINT or a display that went away. Set by BApplication; an empty function unsets.
 void SetQuitHandler(std::function<void()> handler);
 
+// True once the program's main function has returned, while threads may still be at work.
+bool ProgramHasEnded();
+// Called in the program's thread when that has become true.
+void SetEndHandler(void (*handler)());
+
 } // namespace desktop

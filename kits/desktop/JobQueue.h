@@ -23,6 +23,12 @@ void CloseJobQueue(bool displayLost);
 // Whether jobs run. Any thread.
 bool DesktopIsUp();
 
+// Whether they run no more because the display went away. Any thread.
+bool DisplayIsLost();
+
+// The program's main function has returned; in its thread.
+void EndProgram();
+
 // Runs the quit handler, or remembers the wish until there is one.
 void AskToQuit();
 

@@ -8,8 +8,10 @@
 #include "JobQueue.h"
 #include "SessionBus.h"
 #include "Signals.h"
+#include "StandardFiles.h"
 
 #include <desktop/GuiThread.h>
+#include <kernel/FinishThreads.h>
 
 #include <QGuiApplication>
 #include <QWindow>
@@ -18,7 +20,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -44,19 +45,6 @@ const char* sProgramName = "program";
 Program* sProgram = nullptr; // while its thread was not joined
 bool sInEventLoop = false;   // GUI thread
 bool sProgramEnded = false;  // GUI thread
-
-// A program may be started with its standard files closed. The next file that is opened would get
-// such a number, and what is printed would go into the display's connection.
-void
-OpenStandardFiles()
-{
-	int file;
-	do
-		file = open("/dev/null", O_RDWR);
-	while (file >= 0 && file <= STDERR_FILENO);
-	if (file >= 0)
-		close(file);
-}
 
 void
 SetLocale()
@@ -125,6 +113,8 @@ RunProgram(void* data)
 	auto* program = static_cast<Program*>(data);
 	uselocale(program->locale);
 	program->result = KitProgramMain(program->argc, program->argv);
+	EndProgram();
+	BPrivate::FinishThreads();
 	PostGui([] {
 		sProgramEnded = true;
 		QCoreApplication::exit(); // quit() would ask the windows that are left
@@ -208,7 +198,7 @@ RunDesktop(char* programPath)
 int
 main(int argc, char** argv)
 {
-	OpenStandardFiles();
+	PrepareStandardFiles();
 	EnterGuiThread();
 	SetProgramArguments(argc, argv);
 	if (argc > 0) {

@@ -6,7 +6,6 @@
 
 #include "PixelRegionAccess.h"
 
-#include <algorithm>
 #include <new>
 
 namespace desktop {
@@ -26,13 +25,6 @@ Of(const PixelRegion& region)
 }
 
 } // namespace
-
-PixelRect
-Intersection(const PixelRect& a, const PixelRect& b)
-{
-	return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-		std::min(a.bottom, b.bottom)};
-}
 
 PixelRegion::PixelRegion()
 {

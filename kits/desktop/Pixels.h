@@ -33,8 +33,6 @@ struct PixelRect {
 	int32 bottom = -1;
 };
 
-PixelRect Intersection(const PixelRect& a, const PixelRect& b);
-
 // A set of pixels. A value: copies are cheap (shared until written to) and independent. Different
 // objects may be used in different threads at once.
 class PixelRegion {

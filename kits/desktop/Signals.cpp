@@ -17,14 +17,24 @@ namespace {
 
 constexpr size_t kStackSize = 128 * 1024;
 
+bool
+IsIgnored(int signal)
+{
+	struct sigaction action;
+	return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+// Who starts a program with a signal ignored (nohup, a shell's background) wants it to stay so.
 sigset_t
 EndSet()
 {
 	sigset_t set;
 	sigemptyset(&set);
 	sigaddset(&set, SIGTERM);
-	sigaddset(&set, SIGHUP);
-	sigaddset(&set, SIGINT);
+	for (int signal : {SIGHUP, SIGINT}) {
+		if (!IsIgnored(signal))
+			sigaddset(&set, signal);
+	}
 	return set;
 }
 
@@ -81,7 +91,8 @@ EndSignals::Watch(void* self)
 			continue;
 		if (IsOurWakeUp(info, self))
 			return nullptr;
-		if (!DesktopIsUp() || !PostGui(AskToQuit))
+		// With the display lost the program is on its way out already, and ends what it does.
+		if ((!DesktopIsUp() || !PostGui(AskToQuit)) && !DisplayIsLost())
 			DieOf(signal);
 	}
 }

@@ -9,7 +9,8 @@
 namespace desktop {
 
 // SIGTERM, SIGHUP and SIGINT ask the application to quit while the desktop is up; before and
-// after they end the process as usual. SIGPIPE is ignored.
+// after they end the process as usual. The latter two stay ignored when they are at the start.
+// SIGPIPE is ignored.
 //
 // Blocks them in the calling thread, which must be the only one, for all threads to come:
 // programs that are launched inherit that unless their launcher resets the mask.

@@ -68,7 +68,6 @@ public:
 
 	// Messages; owned from now on.
 	virtual void SetSelectionMessage(BMessage* message);
-	BMessage* SelectionMessage() const { return fSelectionMessage.get(); }
 	uint32 SelectionCommand() const { return fSelectionMessage ? fSelectionMessage->what : 0; }
 	virtual void SetInvocationMessage(BMessage* message) { SetMessage(message); }
 	BMessage* InvocationMessage() const { return Message(); }

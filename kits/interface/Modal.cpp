@@ -3,6 +3,7 @@
 #include <interface/Modal.h>
 
 #include <app/AppDefs.h>
+#include <desktop/GuiThread.h>
 #include <interface/Window.h>
 
 #include "kits/app/LooperCore.h"
@@ -81,6 +82,11 @@ BPrivate::AlertReady(const BWindow* window, const BMessenger& messenger, bool qu
 	Registry& registry = TheRegistry();
 	std::lock_guard lock(registry.lock);
 	const Alert alert = {window, messenger, queues};
+	desktop::SetEndHandler(CloseAllAlerts);
+	if (desktop::ProgramHasEnded()) {
+		alert.messenger.SendMessage(kMsgCloseAlert);
+		return;
+	}
 	auto isQueuing = [](const Alert& other) { return other.queues; };
 	if (queues && std::any_of(registry.open.begin(), registry.open.end(), isQueuing))
 		registry.waiting.push_back(alert);

@@ -31,7 +31,8 @@ void ActivateAlert();
 void CloseAllAlerts();
 
 // Shows an alert whose loop runs or will: at once or, when it `queues`, after the queueing ones
-// that came before. Undone by AlertGone(), at the latest before the alert is freed.
+// that came before. After the program's main function it is dismissed instead. Undone by
+// AlertGone(), at the latest before the alert is freed.
 void AlertReady(const BWindow* alert, const BMessenger& messenger, bool queues);
 void AlertGone(const BWindow* alert);
 

@@ -51,6 +51,7 @@ FramePixels(const BRect& frame)
 BWindow::BWindow(BRect frame, const char* title, window_type type, uint32 flags, uint32) :
 	BLooper(title, B_DISPLAY_PRIORITY),
 	fFrame(frame),
+	fToldFrame(frame),
 	fTitle(title != nullptr ? title : ""),
 	fType(type),
 	fFlags(flags),
@@ -76,12 +77,6 @@ BWindow::~BWindow()
 	fSurface->Close();
 }
 
-thread_id
-BWindow::Run()
-{
-	return BLooper::Run();
-}
-
 void
 BWindow::Quit()
 {
@@ -95,12 +90,6 @@ BWindow::Quit()
 		fTop->_Detach();
 	}
 	BLooper::Quit();
-}
-
-bool
-BWindow::QuitRequested()
-{
-	return true;
 }
 
 void
@@ -245,7 +234,10 @@ BWindow::Frame() const
 void
 BWindow::MoveTo(BPoint leftTop)
 {
+	const BPoint before = fFrame.LeftTop();
 	fFrame.OffsetTo(std::floor(leftTop.x + 0.5f), std::floor(leftTop.y + 0.5f));
+	if (fFrame.LeftTop() != before)
+		PostMessage(B_WINDOW_MOVED);
 	if (fSurface->IsOpen())
 		fSurface->Native()->MoveTo(RoundToPixel(fFrame.left), RoundToPixel(fFrame.top));
 }
@@ -255,11 +247,11 @@ BWindow::ResizeTo(float width, float height)
 {
 	int32 columns = RoundToPixel(std::floor(width)) + 1;
 	int32 rows = RoundToPixel(std::floor(height)) + 1;
-	if (fSurface->IsOpen()) {
-		_SetSize(columns, rows, fSurface->Canvas()->Scale());
+	const double scale = fSurface->IsOpen() ? fSurface->Canvas()->Scale() : 0;
+	if (_SetSize(columns, rows, scale))
+		PostMessage(B_WINDOW_RESIZED);
+	if (fSurface->IsOpen())
 		fSurface->Native()->ResizeTo(columns, rows);
-	} else
-		_SetSize(columns, rows, 0);
 }
 
 void
@@ -279,22 +271,33 @@ BWindow::_ApplySizeLimits()
 	}
 }
 
-// Scale 0: the window has no picture yet.
-void
+// Scale 0: the window has no picture yet. True when the size is another now.
+bool
 BWindow::_SetSize(int32 columns, int32 rows, double scale)
 {
 	float width = static_cast<float>(columns - 1);
 	float height = static_cast<float>(rows - 1);
 	bool resized = width != fFrame.Width() || height != fFrame.Height();
 	if (!resized && (scale == 0 || scale == fSurface->Canvas()->Scale()))
-		return;
+		return false;
 	fFrame.right = fFrame.left + width;
 	fFrame.bottom = fFrame.top + height;
 	if (scale != 0)
 		fSurface->SetSize(columns, rows, scale);
 	fTop->_SetFrame(Bounds());
-	if (resized)
-		FrameResized(width, height);
+	return resized;
+}
+
+// In the window's thread. The messages that come after the first of a burst find nothing to tell.
+void
+BWindow::_TellFrame()
+{
+	const BRect told = fToldFrame;
+	fToldFrame = fFrame;
+	if (told.LeftTop() != fFrame.LeftTop())
+		FrameMoved(fFrame.LeftTop());
+	if (told.Width() != fFrame.Width() || told.Height() != fFrame.Height())
+		FrameResized(fFrame.Width(), fFrame.Height());
 }
 
 void
@@ -421,24 +424,18 @@ BWindow::_OwnMessage(BMessage* message)
 				message->FindInt32("rows", &rows) == B_OK &&
 				message->FindDouble("scale", &scale) == B_OK)
 				_SetSize(columns, rows, scale);
+			_TellFrame();
 			return true;
 		}
 		case B_WINDOW_MOVED: {
 			BPoint where;
-			if (message->FindPoint("where", &where) == B_OK && where != fFrame.LeftTop()) {
+			if (message->FindPoint("where", &where) == B_OK)
 				fFrame.OffsetTo(where);
-				FrameMoved(where);
-			}
+			_TellFrame();
 			return true;
 		}
 	}
 	return false;
-}
-
-void
-BWindow::MessageReceived(BMessage* message)
-{
-	BLooper::MessageReceived(message);
 }
 
 void

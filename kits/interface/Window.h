@@ -35,9 +35,7 @@ public:
 	BWindow(BRect frame, const char* title, window_type type, uint32 flags,
 		uint32 workspaces = B_CURRENT_WORKSPACE);
 
-	thread_id Run() override;
 	void Quit() override; // needs the lock; deletes views and window
-	bool QuitRequested() override;
 
 	void Show(); // Show and Hide count
 	void Hide();
@@ -75,11 +73,11 @@ public:
 	void SetPulseRate(bigtime_t rate); // microseconds; 0 stops
 	bigtime_t PulseRate() const { return fPulseRate; }
 
+	// After a change of whatever origin, once for a burst of them.
 	virtual void FrameMoved(BPoint leftTop);
 	virtual void FrameResized(float width, float height);
 	virtual void WindowActivated(bool active);
 	void DispatchMessage(BMessage* message, BHandler* target) override;
-	void MessageReceived(BMessage* message) override;
 
 protected:
 	~BWindow() override;
@@ -106,7 +104,8 @@ private:
 
 	void _Realize(); // makes the desktop's window and shows it
 	void _ApplySizeLimits();
-	void _SetSize(int32 columns, int32 rows, double scale);
+	bool _SetSize(int32 columns, int32 rows, double scale);
+	void _TellFrame();
 	bool _OwnMessage(BMessage* message);
 	void
 	_ServeWhileBlocked(); // repaints and follows resizes while a hook waits for an alert or a menu
@@ -133,6 +132,7 @@ private:
 	void _CallViews(const std::function<void(BView&)>& hook);
 
 	BRect fFrame;
+	BRect fToldFrame; // what FrameMoved() and FrameResized() know of it
 	std::string fTitle;
 	window_type fType;
 	uint32 fFlags;

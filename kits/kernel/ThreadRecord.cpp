@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
+#include <optional>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -104,6 +105,14 @@ Kernel::End(Thread* thread)
 	thread->joiners.ServeAll(B_OK);
 	thread->senders.ServeAll(B_BAD_THREAD_ID);
 	threads.erase(thread->id);
+	TellFinisher();
+}
+
+void
+Kernel::TellFinisher()
+{
+	if (finisher != nullptr)
+		finisher->notify_one();
 }
 
 Thread*
@@ -148,8 +157,12 @@ MustEnd(const Thread* self)
 void
 StopWhileSuspended(Thread* self, KernelLock& lock)
 {
-	while (self->suspended)
+	self->stopped = true;
+	while (self->suspended) {
+		TheKernel().TellFinisher();
 		self->wake.wait(lock);
+	}
+	self->stopped = false;
 }
 
 void
@@ -170,10 +183,31 @@ DeadlineAfter(bigtime_t timeout)
 	return timeout >= kLongest ? kNever : system_time() + (timeout > 0 ? timeout : 0);
 }
 
+// Seen by FinishThreads() for as long as it lives; with the kernel's mutex held.
+class Rest {
+public:
+	explicit Rest(Waiter& waiter) : fThread(waiter.thread)
+	{
+		fThread->resting = &waiter;
+		fThread->mayEnd =
+			fThread->heldLocks == 0 && fThread->deferrals == 0 && std::uncaught_exceptions() == 0;
+		TheKernel().TellFinisher();
+	}
+	~Rest() { fThread->resting = nullptr; }
+	Rest(const Rest&) = delete;
+	Rest& operator=(const Rest&) = delete;
+
+private:
+	Thread* const fThread;
+};
+
 status_t
 Wait(Waiter& waiter, KernelLock& lock, bigtime_t deadline)
 {
 	Thread* self = waiter.thread;
+	std::optional<Rest> rest;
+	if (deadline == kNever)
+		rest.emplace(waiter);
 	std::chrono::steady_clock::time_point end{
 		std::chrono::microseconds(deadline == kNever ? 0 : deadline)};
 	while (!waiter.served) {

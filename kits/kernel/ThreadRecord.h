@@ -74,7 +74,10 @@ struct Thread {
 	Life life = Life::kNew;
 	std::atomic<bool> killed = false; // written under the kernel's mutex
 	bool suspended = false;
-	bool permit = false; // a wake-up that its next suspension of itself consumes
+	bool permit = false;             // a wake-up that its next suspension of itself consumes
+	bool stopped = false;            // sleeps because it is suspended
+	const Waiter* resting = nullptr; // its wait that has no end of its own
+	bool mayEnd = false;             // while it rests: a kill would end it there
 	status_t result = B_INTERRUPTED;
 	WaiterQueue joiners;
 
@@ -97,11 +100,13 @@ struct Kernel {
 	std::shared_ptr<Thread> Share(thread_id id) const;
 	void Add(std::shared_ptr<Thread> thread); // gives it its id
 	void End(Thread* thread);                 // wakes all who wait for it and forgets it
+	void TellFinisher();                      // a thread ended, or is about to rest
 
 	std::mutex mutex;
 	std::map<thread_id, std::shared_ptr<Thread>> threads;
-	std::deque<Thread*> startQueue; // resumed, but the system had no thread to give
-	int32 runningNatives = 0;       // threads of ours that will look into startQueue
+	std::deque<Thread*> startQueue;              // resumed, but the system had no thread to give
+	int32 runningNatives = 0;                    // threads of ours that will look into startQueue
+	std::condition_variable* finisher = nullptr; // of the caller of FinishThreads()
 	thread_id lastId = 0;
 	pthread_key_t endKey; // its destructor ends a record after all other code of the thread
 	int baseNice = 0;     // of the process; priorities are relative to it

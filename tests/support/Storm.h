@@ -1,26 +1,25 @@
 // SPDX-License-Identifier: MIT
 
-// Randomness for tests that try many orders of events: the seed is fixed and printed, the number
-// of rounds small unless the environment says KORVA_LONG=1.
+// Randomness for tests that try many orders of events: the seed is fixed and printed.
 
 #pragma once
 
-#include <cstdio>
-#include <cstdlib>
-#include <random>
-#include <string>
+#include "tests/support/LongRun.h"
 
-inline int
-StormRounds(int few, int many)
+#include <cstdio>
+#include <random>
+
+inline unsigned
+PrintedSeed(unsigned seed)
 {
-	const char* value = std::getenv("KORVA_LONG");
-	return value != nullptr && std::string(value) == "1" ? many : few;
+	std::printf("[     seed ] %u\n", seed);
+	return seed;
 }
 
 // One for each thread.
 class Dice {
 public:
-	explicit Dice(unsigned seed) : fRandom(seed) { std::printf("[     seed ] %u\n", seed); }
+	explicit Dice(unsigned seed) : fRandom(PrintedSeed(seed)) {}
 
 	int operator()(int sides) { return static_cast<int>(fRandom() % static_cast<unsigned>(sides)); }
 

@@ -10,6 +10,7 @@ import os
 import re
 import select
 import shutil
+import signal
 import struct
 import subprocess
 import tempfile
@@ -21,8 +22,13 @@ PATIENCE = 20  # seconds; far more than anything takes
 BUILT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../build/check/release")
 KORVA = os.environ.get("KORVA", os.path.join(BUILT, "korva"))
 ABOUT = os.environ.get("KORVA_ABOUT", os.path.join(BUILT, "tests/about_program"))
+AT_WORK = os.environ.get("KORVA_AT_WORK", os.path.join(BUILT, "tests/at_work_program"))
 
 SCREEN = (1100, 900)
+
+# Programs start with what a terminal gives them, also when the tests run under nohup or behind &.
+signal.signal(signal.SIGHUP, signal.SIG_DFL)
+signal.signal(signal.SIGINT, signal.default_int_handler)
 
 # Where the window stands when nothing says otherwise: position and size of its content.
 FRAME = (50, 75, 501, 476)

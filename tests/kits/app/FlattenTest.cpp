@@ -8,6 +8,8 @@
 #include <app/MessagePrivate.h>
 #include <app/Messenger.h>
 
+#include "tests/support/Storm.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -229,9 +231,8 @@ TEST(Flatten, WhatBelongsToThisProcessStaysHere)
 
 TEST(Flatten, RandomMessagesComeBack)
 {
-	constexpr unsigned kSeed = 20261122;
-	RecordProperty("seed", kSeed);
-	std::mt19937 random(kSeed);
+	const unsigned seed = PrintedSeed(20261122);
+	std::mt19937 random(seed);
 	for (int i = 0; i < 300; i++) {
 		const BMessage message = RandomMessage(random, 0);
 		BMessage read;

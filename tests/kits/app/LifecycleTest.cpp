@@ -19,6 +19,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -224,7 +225,7 @@ DoSomething(Pool& pool, Dice& dice)
 
 TEST(Lifecycle, LoopersHandlersAndMessengersInAStormOfThreadsThatAreKilled)
 {
-	const int rounds = StormRounds(60, 3000);
+	const int rounds = Rounds(60, 3000);
 	constexpr int kThreads = 4;
 	sLiving = 0;
 	Pool pool(kPlaces);
@@ -260,7 +261,7 @@ TEST(Lifecycle, LoopersHandlersAndMessengersInAStormOfThreadsThatAreKilled)
 
 TEST(Lifecycle, ManyQuitTheSameLooperAtOnceWhileSendersWait)
 {
-	for (int i = 0; i < StormRounds(50, 2000); i++) {
+	for (int i = 0; i < Rounds(50, 2000); i++) {
 		sLiving = 0;
 		Worker* looper = new Worker;
 		const BMessenger messenger(looper);
@@ -292,7 +293,7 @@ TEST(Lifecycle, ManyQuitTheSameLooperAtOnceWhileSendersWait)
 
 TEST(Lifecycle, AHandlerMayBeDeletedAsSoonAsItsLooperCannotBeLocked)
 {
-	for (int i = 0; i < StormRounds(200, 4000); i++) {
+	for (int i = 0; i < Rounds(200, 4000); i++) {
 		Worker* looper = new Worker;
 		std::vector<std::unique_ptr<Cell>> cells;
 		for (int j = 0; j < 8; j++) {
@@ -321,7 +322,7 @@ TEST(Lifecycle, KilledLockersLeaveNothingBehind)
 			looper->Unlock();
 		}
 	};
-	for (int i = 0; i < StormRounds(20, 1000); i++) {
+	for (int i = 0; i < Rounds(20, 1000); i++) {
 		std::vector<thread_id> threads;
 		for (int j = 0; j < 4; j++)
 			threads.push_back(Spawn(&lockAndUnlock));
@@ -342,7 +343,7 @@ TEST(Lifecycle, KilledLockersLeaveNothingBehind)
 
 TEST(Lifecycle, ALooperWhoseThreadEndsBeforeItsTimeIsDeletedByItOrByQuit)
 {
-	for (int i = 0; i < StormRounds(50, 2000); i++) {
+	for (int i = 0; i < Rounds(50, 2000); i++) {
 		sLiving = 0;
 		Worker* looper = new Worker;
 		const BMessenger messenger(looper);
@@ -351,20 +352,55 @@ TEST(Lifecycle, ALooperWhoseThreadEndsBeforeItsTimeIsDeletedByItOrByQuit)
 			messenger.SendMessage(kMsgExitThread);
 			wait_for_thread(thread);
 		} else {
-			// Only a looper that looks for a message comes to where it can be killed.
-			std::atomic<bool> killed = false;
-			std::thread poster([&] {
-				while (!killed && messenger.SendMessage(kMsgWork) == B_OK)
-					snooze(50);
-			});
-			kill_thread(thread);
-			killed = true;
-			poster.join();
+			kill_thread(thread); // before its first message, or while it waits for one
 			LockAndQuit(looper);
 		}
 		EXPECT_FALSE(messenger.IsValid());
 		EXPECT_EQ(0, sLiving);
 	}
+}
+
+// A window that tells the application to quit when it is asked itself, beside one that refuses.
+TEST(Lifecycle, AnApplicationTakesRequestsToQuitThatComeWhileItAsksForOne)
+{
+	class Asking : public BApplication {
+	public:
+		Asking() : BApplication("application/x-asking") {}
+		bool QuitRequested() override
+		{
+			asked++;
+			PostMessage(B_QUIT_REQUESTED);
+			be_app_messenger.SendMessage(B_QUIT_REQUESTED);
+			return asked > 2;
+		}
+		void MessageReceived(BMessage*) override { trace += std::to_string(asked); }
+		int asked = 0;
+		std::string trace;
+	} application;
+	for (int i = 0; i < 3; i++) {
+		application.PostMessage(B_QUIT_REQUESTED);
+		application.PostMessage(kMsgWork);
+	}
+	application.Run();
+	EXPECT_EQ(3, application.asked) << "once for each that was posted before";
+	EXPECT_EQ("12", application.trace) << "in their place among the messages";
+}
+
+TEST(Lifecycle, AnApplicationIsFoundByItsSignature)
+{
+	status_t status = B_ERROR;
+	{
+		BApplication application("application/x-Korva-test");
+		EXPECT_EQ(be_app_messenger, BMessenger("application/x-korva-TEST", -1, &status));
+		EXPECT_EQ(B_OK, status);
+		EXPECT_TRUE(BMessenger("application/x-korva-test", getpid()).IsValid());
+		EXPECT_FALSE(BMessenger("application/x-korva-test", getpid() + 1, &status).IsValid());
+		EXPECT_EQ(B_BAD_VALUE, status);
+		EXPECT_FALSE(BMessenger("application/x-other").IsValid());
+		EXPECT_FALSE(BMessenger(static_cast<const char*>(nullptr)).IsValid());
+	}
+	EXPECT_FALSE(BMessenger("application/x-korva-test", -1, &status).IsValid());
+	EXPECT_EQ(B_BAD_VALUE, status);
 }
 
 TEST(Lifecycle, AnApplicationReadsItsArgumentsThenIsReadyThenReadsItsMessages)
@@ -419,7 +455,7 @@ TEST(Lifecycle, ApplicationsEndEveryLooperThatRuns)
 		const int fGenerations;
 	};
 	Dice dice(20261124);
-	for (int i = 0; i < StormRounds(30, 600); i++) {
+	for (int i = 0; i < Rounds(30, 600); i++) {
 		sLiving = 0;
 		std::atomic<bool> ended = false;
 		std::thread outsider;

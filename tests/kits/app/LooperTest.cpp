@@ -4,6 +4,7 @@
 #include <app/Looper.h>
 #include <app/Messenger.h>
 
+#include "tests/support/Storm.h"
 #include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
@@ -304,9 +305,8 @@ TEST(Looper, APolledLockDoesNotStarveTheLooper)
 
 TEST(Looper, HundredsAreMadeFloodedAndQuit)
 {
-	constexpr unsigned kSeed = 20261121;
-	RecordProperty("seed", kSeed);
-	std::mt19937 random(kSeed);
+	const unsigned seed = PrintedSeed(20261121);
+	std::mt19937 random(seed);
 	std::atomic<int> deaths = 0;
 	constexpr int kLoopers = 300;
 	std::vector<Recorder*> loopers;

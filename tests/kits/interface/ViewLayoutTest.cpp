@@ -2,11 +2,13 @@
 
 #include <interface/View.h>
 
+#include "tests/support/Storm.h"
 #include "tests/support/TestWindow.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -70,9 +72,8 @@ constexpr uint32 kRedPixel = 0xffff0000, kGreenPixel = 0xff00ff00, kBluePixel = 
 
 TEST(ViewLayout, EdgesFollowTheirSidesAtFractionalSizes)
 {
-	constexpr unsigned kSeed = 7;
-	RecordProperty("seed", kSeed);
-	std::mt19937 random(kSeed);
+	const unsigned seed = PrintedSeed(7);
+	std::mt19937 random(seed);
 	auto fraction = [&] { return static_cast<float>(random() % 4000) / 8; };
 	for (uint32 h : kHorizontal) {
 		for (uint32 v : kVertical) {
@@ -167,6 +168,45 @@ TEST(ViewLayout, AWindowsSizeReachesItsViewsAndTheirPicture)
 	window->User().Resize(160, 120);
 	window->Settle();
 	EXPECT_EQ(picture.pixels, window->Snapshot().pixels);
+}
+
+TEST(WindowFrame, HooksTellEveryChangeOnceInTheWindowsThread)
+{
+	class Telling : public TestWindow {
+	public:
+		Telling() : TestWindow(100, 80) {}
+		void FrameMoved(BPoint where) override
+		{
+			EXPECT_EQ(Thread(), find_thread(nullptr));
+			EXPECT_EQ(where, Frame().LeftTop());
+			told += "moved ";
+		}
+		void FrameResized(float width, float height) override
+		{
+			EXPECT_EQ(Thread(), find_thread(nullptr));
+			EXPECT_EQ(BPoint(width, height), Bounds().RightBottom());
+			told += "resized ";
+		}
+		std::string told;
+	};
+	Shown<Telling> window;
+	window->MoveTo(120, 130);
+	window->ShowAndSettle();
+	window->Do([&] { EXPECT_EQ("moved ", std::exchange(window->told, "")); });
+	window->Do([&] {
+		for (int i = 0; i < 5; i++) {
+			window->MoveTo(200.0f + static_cast<float>(i), 210);
+			window->ResizeTo(140.0f + static_cast<float>(i), 90);
+		}
+		EXPECT_EQ(BRect(204, 210, 348, 300), window->Frame()) << "the frame itself changes at once";
+		EXPECT_EQ("", window->told);
+	});
+	window->Do([&] { EXPECT_EQ("moved resized ", std::exchange(window->told, "")); });
+	window->Do([&] {
+		window->MoveTo(204, 210);
+		window->ResizeTo(144.9f, 90);
+	});
+	window->Do([&] { EXPECT_EQ("", window->told) << "nothing has changed"; });
 }
 
 TEST(ViewLayout, FrameEventsComeOnceForABurstOfChanges)

@@ -270,7 +270,7 @@ private:
 
 TEST(WindowLifecycle, WindowsAndViewsInAStormOfThreads)
 {
-	const int rounds = StormRounds(300, 20000);
+	const int rounds = Rounds(300, 20000);
 	sWindows = sViews = 0;
 	Places places;
 	std::vector<std::thread> threads;
@@ -291,7 +291,7 @@ TEST(WindowLifecycle, WindowsAndViewsInAStormOfThreads)
 
 TEST(WindowLifecycle, AWindowThatWaitsInAnAlertEndsWhenTheAlertDoes)
 {
-	for (int i = 0; i < StormRounds(5, 300); i++) {
+	for (int i = 0; i < Rounds(5, 300); i++) {
 		sWindows = 0;
 		StormWindow* window = new StormWindow;
 		const BMessenger messenger(window);
@@ -315,7 +315,7 @@ TEST(WindowLifecycle, AWindowThatWaitsInAnAlertEndsWhenTheAlertDoes)
 TEST(WindowLifecycle, ApplicationsEndWithWindowsAndAlertsOpen)
 {
 	Dice dice(20261126);
-	for (int i = 0; i < StormRounds(12, 600); i++) {
+	for (int i = 0; i < Rounds(12, 600); i++) {
 		sWindows = 0;
 		std::unique_ptr<Askers> askers;
 		{

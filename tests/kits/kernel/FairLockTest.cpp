@@ -3,6 +3,7 @@
 // FairLock: recursion, order, closing, time limits.
 
 #include "tests/kits/kernel/Worker.h"
+#include "tests/support/Storm.h"
 
 #include <kernel/FairLock.h>
 
@@ -117,15 +118,14 @@ TEST(FairLock, ClosingSendsAllWaitersAwayAndItMayBeDeleted)
 
 TEST(FairLock, StormLetsInOneAtATime)
 {
-	constexpr unsigned kSeed = 4711;
-	RecordProperty("seed", kSeed);
+	const unsigned seed = PrintedSeed(4711);
 	FairLock lock;
 	int64 plain = 0; // for the sanitizer: only the lock guards it
 	std::atomic<int64> counted = 0;
 	std::deque<Worker> workers;
 	for (unsigned i = 0; i < 4; i++) {
 		workers.emplace_back([&, i] {
-			std::minstd_rand random(kSeed + i);
+			std::minstd_rand random(seed + i);
 			for (int step = 0; step < 4000; step++) {
 				bigtime_t limit = random() % 4 == 0 ? random() % 30 : B_INFINITE_TIMEOUT;
 				if (lock.Lock(limit) != B_OK)
@@ -145,6 +145,6 @@ TEST(FairLock, StormLetsInOneAtATime)
 		worker.Start();
 	for (Worker& worker : workers)
 		worker.Join();
-	EXPECT_EQ(counted, plain) << "seed " << kSeed;
+	EXPECT_EQ(counted, plain) << "seed " << seed;
 	EXPECT_EQ(-1, lock.Holder());
 }

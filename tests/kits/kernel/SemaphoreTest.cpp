@@ -3,6 +3,7 @@
 // Semaphores: order, deletion, time limits, use outside of main().
 
 #include "tests/kits/kernel/Worker.h"
+#include "tests/support/Storm.h"
 
 #include <cstdlib>
 #include <deque>
@@ -112,15 +113,14 @@ TEST(Semaphore, DeletionWakesAllWaiters)
 
 TEST(Semaphore, StormKeepsTheNumberOfUnits)
 {
-	constexpr unsigned kSeed = 71;
+	const unsigned seed = PrintedSeed(71);
 	constexpr int32 kUnits = 3;
-	RecordProperty("seed", kSeed);
 	sem_id sem = create_sem(kUnits, "storm");
 	std::atomic<int32> taken = 0;
 	std::deque<Worker> workers;
 	for (unsigned i = 0; i < 4; i++) {
 		workers.emplace_back([&, i] {
-			std::minstd_rand random(kSeed + i);
+			std::minstd_rand random(seed + i);
 			for (int step = 0; step < 3000; step++) {
 				auto count = static_cast<int32>(1 + random() % kUnits);
 				if (acquire_sem_etc(sem, count, B_RELATIVE_TIMEOUT, random() % 60) != B_OK)
@@ -138,7 +138,7 @@ TEST(Semaphore, StormKeepsTheNumberOfUnits)
 		worker.Start();
 	for (Worker& worker : workers)
 		worker.Join();
-	EXPECT_EQ(B_OK, acquire_sem_etc(sem, kUnits, B_RELATIVE_TIMEOUT, 0)) << "seed " << kSeed;
-	EXPECT_EQ(B_WOULD_BLOCK, acquire_sem_etc(sem, 1, B_RELATIVE_TIMEOUT, 0)) << "seed " << kSeed;
+	EXPECT_EQ(B_OK, acquire_sem_etc(sem, kUnits, B_RELATIVE_TIMEOUT, 0)) << "seed " << seed;
+	EXPECT_EQ(B_WOULD_BLOCK, acquire_sem_etc(sem, 1, B_RELATIVE_TIMEOUT, 0)) << "seed " << seed;
 	delete_sem(sem);
 }

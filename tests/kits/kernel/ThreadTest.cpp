@@ -3,10 +3,14 @@
 // Threads: life and death, suspension, thread data.
 
 #include "tests/kits/kernel/Worker.h"
+#include "tests/support/Storm.h"
 
 #include <kernel/DeferKill.h>
 #include <kernel/FairLock.h>
+#include <kernel/FinishThreads.h>
+#include <kernel/WakeUp.h>
 
+#include <climits>
 #include <cstring>
 #include <deque>
 #include <memory>
@@ -18,6 +22,7 @@
 
 using BPrivate::DeferKill;
 using BPrivate::FairLock;
+using BPrivate::WakeUp;
 
 TEST(Thread, StartsOnlyWhenWantedAndLeavesItsResult)
 {
@@ -152,6 +157,7 @@ TEST(Thread, KillEndsEveryKindOfWait)
 {
 	sem_id sem = create_sem(0, "never");
 	FairLock lock;
+	WakeUp wakeUp;
 	Worker full([] { suspend_thread(find_thread(nullptr)); });
 	send_data(full.Id(), 1, nullptr, 0);
 	struct Case {
@@ -167,6 +173,8 @@ TEST(Thread, KillEndsEveryKindOfWait)
 		{"send_data", [&] { send_data(full.Id(), 2, "data", 4); }},
 		{"the end of the killer", [main = find_thread(nullptr)] { wait_for_thread(main); }},
 		{"lock of the killer", [&] { lock.Lock(); }},
+		{"wake-up", [&] { wakeUp.Wait(B_INFINITE_TIMEOUT); }},
+		{"timed wake-up", [&] { wakeUp.Wait(system_time() + 3'600'000'000); }},
 	};
 	ASSERT_EQ(B_OK, lock.Lock());
 	for (const Case& test : cases) {
@@ -312,14 +320,12 @@ TEST(Thread, DataComesInTheOrderOfItsSenders)
 // Threads that wait in all ways at random while others kill, suspend and resume them.
 TEST(Thread, StormOfKillsEndsAll)
 {
-	constexpr unsigned kSeed = 20240611;
-	RecordProperty("seed", kSeed);
-	std::minstd_rand random(kSeed);
+	Dice dice(20240611);
 	FairLock lock;
 	sem_id sem = create_sem(2, "shared");
 	std::atomic<int> inside = 0;
-	auto live = [&](unsigned seed) {
-		std::minstd_rand own(seed);
+	auto live = [&](int seed) {
+		std::minstd_rand own(static_cast<unsigned>(seed));
 		for (;;) {
 			switch (own() % 5) {
 				case 0:
@@ -343,20 +349,21 @@ TEST(Thread, StormOfKillsEndsAll)
 			}
 		}
 	};
-	for (int round = 0; round < 60; round++) {
+	const int rounds = Rounds(60, 3000);
+	for (int round = 0; round < rounds; round++) {
 		std::deque<Worker> workers;
 		for (int i = 0; i < 6; i++)
-			workers.emplace_back([&live, seed = random()] { live(seed); }).Start();
+			workers.emplace_back([&live, seed = dice(INT_MAX)] { live(seed); }).Start();
 		for (int i = 0; i < 40; i++) {
-			thread_id thread = workers[random() % workers.size()].Id();
-			random() % 3 == 0 ? suspend_thread(thread) : resume_thread(thread);
+			thread_id thread = workers[static_cast<size_t>(dice(6))].Id();
+			dice(3) == 0 ? suspend_thread(thread) : resume_thread(thread);
 		}
-		bool locked = random() % 2 == 0;
+		bool locked = dice(2) == 0;
 		// The lock may be held by one that is suspended; kill_thread makes it run on.
 		if (locked && lock.Lock(1000) != B_OK)
 			locked = false;
 		for (Worker& worker : workers)
-			ASSERT_EQ(B_OK, kill_thread(worker.Id())) << "seed " << kSeed << " round " << round;
+			ASSERT_EQ(B_OK, kill_thread(worker.Id())) << "round " << round;
 		if (locked)
 			lock.Unlock();
 	}
@@ -368,7 +375,7 @@ TEST(Thread, StormOfKillsEndsAll)
 
 // In a process of its own, whose user may have no further threads: those wanted start late.
 static void
-RunMoreThreadsThanAllowed()
+RunMoreThreadsThanAllowed(bool atTheEnd)
 {
 	sem_id go = create_sem(0, "go");
 	std::atomic<int> ran = 0;
@@ -388,6 +395,8 @@ RunMoreThreadsThanAllowed()
 	Worker never([] { _exit(4); });
 	never.Start();
 	kill_thread(never.Id());
+	if (atTheEnd)
+		BPrivate::FinishThreads();
 	for (int i = 0; i < 3; i++)
 		release_sem(go);
 	bool all = WaitUntil([&] { return ran == 30; });
@@ -398,5 +407,6 @@ RunMoreThreadsThanAllowed()
 TEST(ThreadDeathTest, ThreadsBeyondTheSystemsLimitStartLate)
 {
 	testing::GTEST_FLAG(death_test_style) = "threadsafe";
-	EXPECT_EXIT(RunMoreThreadsThanAllowed(), testing::ExitedWithCode(0), "");
+	EXPECT_EXIT(RunMoreThreadsThanAllowed(false), testing::ExitedWithCode(0), "");
+	EXPECT_EXIT(RunMoreThreadsThanAllowed(true), testing::ExitedWithCode(0), "");
 }
