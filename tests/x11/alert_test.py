@@ -20,9 +20,9 @@ class Alert(X11Test):
 
     def assert_works(self):
         """A click on the folder on the left empties the right pane."""
-        self.korva.click(30, 35)
+        self.korva.click(75, 73)
         self.korva.wait_for_picture(
-            lambda now: len(now.part(180, 30, 480, 470).colours()) == 1, "an empty right pane")
+            lambda now: now.part(180, 50, 480, 455).colours() == {WHITE}, "an empty right pane")
 
     def test_enter_answers_it(self):
         self.korva.steady_picture("About")
@@ -46,10 +46,10 @@ class Alert(X11Test):
         self.korva.wait_for_size(800, 700)
         # Right of the alert and below it, which keeps its place in the middle.
         self.korva.wait_for_picture(
-            lambda now: now.at(790 - 20, 690) == WHITE, "rows in the new corner")
+            lambda now: now.at(770, 660) == WHITE, "rows in the new corner")
         before = self.korva.steady_picture()
-        self.korva.click(30, 35)
-        self.korva.click(200, 35)
+        self.korva.click(75, 73)
+        self.korva.click(215, 58)
         self.display.press("Down")
         after = self.korva.steady_picture()
         rows = (2, 29, 140, 400)
@@ -69,7 +69,7 @@ class Alert(X11Test):
         self.display.do("xdotool", "windowmove", self.alert, "700", "600")
         wait_until(lambda: self.korva.frame("About")[0] > 600, "the alert at its new place")
         self.korva.wait_for_picture(
-            lambda now: now.part(180, 80, 480, 400).colours() == {WHITE}, "nothing of the alert")
+            lambda now: now.part(180, 95, 480, 400).colours() == {WHITE}, "nothing of the alert")
 
     def test_program_ends_with_the_alert_open(self):
         self.korva.process.send_signal(signal.SIGTERM)
