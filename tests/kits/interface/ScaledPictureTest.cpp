@@ -159,6 +159,31 @@ TEST(ScaledPicture, ScrollingAndResizingLeaveWhatAFullRepaintDraws)
 	}
 }
 
+TEST(Window, AScreenThatChangesItsScaleGetsAFullPicture)
+{
+	Shown window(120, 90);
+	window->AddChild(new Rows(BRect(0, 0, 119, 89)));
+	window->ShowAndSettle();
+	InjectedUser user = window->User();
+	const InjectedUser::Picture before = user.Snapshot();
+	user.Rescale(2);
+	EXPECT_TRUE(WaitUntil([&] { return user.Snapshot().width == 240; }));
+	window->Settle();
+	const InjectedUser::Picture fine = user.Snapshot();
+	EXPECT_EQ(180, fine.height);
+	for (int32 x = 0; x < 240; x++)
+		EXPECT_EQ(before.At(x / 2, 12), fine.At(x, 25)) << x; // the first row's line
+	window->Do([&] {
+		EXPECT_EQ(window->Bounds(), BRect(0, 0, 119, 89));
+		window->ChildAt(0)->Invalidate();
+	});
+	EXPECT_EQ(fine.pixels, user.Snapshot().pixels);
+	user.Rescale(1);
+	EXPECT_TRUE(WaitUntil([&] { return user.Snapshot().width == 120; }));
+	window->Settle();
+	EXPECT_EQ(before.pixels, user.Snapshot().pixels);
+}
+
 TEST(ScaledPicture, ArrowsAreEvenTrianglesInTheMiddleOfTheirBoxes)
 {
 	using BPrivate::ArrowDirection;
