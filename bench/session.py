@@ -26,9 +26,8 @@ _memcmp.argtypes = [ctypes.c_void_p, ctypes.c_void_p, ctypes.c_size_t]
 
 
 class Session(desktop.Display):
-    def __init__(self, width=1100, height=900):
-        desktop.SCREEN = (width, height)
-        super().__init__()
+    def __init__(self, width=1100, height=900, manager=True):
+        super().__init__((width, height), manager)
         try:
             self._start_bus()
             self._map_screen()
@@ -91,6 +90,32 @@ class Session(desktop.Display):
                 raise AssertionError("the screen does not come to rest")
             time.sleep(0.0005)
         return last
+
+
+class WaylandSession(Session):
+    """The compositor's window covers the screen of the X server."""
+
+    def __init__(self):
+        super().__init__(manager=False)
+        try:
+            self._start_compositor()
+        except BaseException:
+            self.close()
+            raise
+
+    def _start_compositor(self):
+        settings = os.path.join(self.folder, "weston.ini")
+        with open(settings, "w") as file:
+            file.write("[core]\nidle-time=0\n[shell]\npanel-position=none\nanimation=none\n"
+                       "startup-animation=none\nlocking=false\n")
+        self._start(["weston", "--backend=x11-backend.so", "--use-pixman",
+                     "--width=%d" % self.size[0], "--height=%d" % self.size[1],
+                     "--socket=wayland-bench", "--config=" + settings],
+                    self._closing, env=self.env, stdin=subprocess.DEVNULL,
+                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        desktop.wait_until(lambda: os.path.exists(os.path.join(self.folder, "wayland-bench")),
+                           "the compositor")
+        self.env.update(WAYLAND_DISPLAY="wayland-bench", QT_QPA_PLATFORM="wayland")
 
 
 if __name__ == "__main__":

@@ -30,6 +30,7 @@ LooperCore::Enqueue(std::unique_ptr<BMessage> message, bool first)
 		if (fClosed)
 			return false;
 		fQueue.insert(first ? fQueue.begin() : fQueue.end(), std::move(message));
+		fPosted = true;
 		// A loop that is busy looks into its queue before it waits: no need to wake it.
 		if (!fWaiting)
 			return true;
@@ -53,15 +54,30 @@ void
 LooperCore::Wait(bigtime_t deadline)
 {
 	std::unique_lock lock(fQueueMutex);
-	while (
-		fQueue.empty() && !fWoken && (deadline == B_INFINITE_TIMEOUT || system_time() < deadline)) {
+	WaitUntil(lock, deadline, [this] { return !fQueue.empty() || fWoken; });
+	fWoken = false;
+}
+
+void
+LooperCore::WaitForChange(bigtime_t deadline)
+{
+	std::unique_lock lock(fQueueMutex);
+	WaitUntil(lock, deadline, [this] { return fPosted || fWoken; });
+	fPosted = false;
+	fWoken = false;
+}
+
+void
+LooperCore::WaitUntil(
+	std::unique_lock<std::mutex>& lock, bigtime_t deadline, const std::function<bool()>& ready)
+{
+	while (!ready() && (deadline == B_INFINITE_TIMEOUT || system_time() < deadline)) {
 		fWaiting = true;
 		lock.unlock();
 		fWakeUp.Wait(deadline);
 		lock.lock();
 		fWaiting = false;
 	}
-	fWoken = false;
 }
 
 std::unique_ptr<BMessage>

@@ -42,6 +42,9 @@ public:
 	// Returns when a message waits, Wake() was called, or `deadline` (system_time()) has come. A
 	// kill ends the caller here.
 	void Wait(bigtime_t deadline);
+	// For a hook that blocks the loop: returns when a message was posted or Wake() called since the
+	// last time, whatever waits in the queue already, or at the deadline.
+	void WaitForChange(bigtime_t deadline);
 	// Takes the oldest message, or null. With the lock held: who holds the lock sees a queue that
 	// nobody takes from.
 	std::unique_ptr<BMessage> Take();
@@ -65,6 +68,8 @@ public:
 
 private:
 	bool Enqueue(std::unique_ptr<BMessage> message, bool first);
+	void WaitUntil(
+		std::unique_lock<std::mutex>& lock, bigtime_t deadline, const std::function<bool()>& ready);
 
 	FairLock fLock;
 	BLooper* fLooper;
@@ -73,6 +78,7 @@ private:
 	WakeUp fWakeUp;
 	std::deque<std::unique_ptr<BMessage>> fQueue;
 	bool fWoken = false;
+	bool fPosted = false;  // since the last WaitForChange()
 	bool fWaiting = false; // and nobody has woken it yet
 };
 

@@ -6,11 +6,10 @@
 
 #include <desktop/GuiThread.h>
 
-#include <desktop/GuiThread.h>
-
 #include <QPainter>
 #include <QPainterPath>
 
+#include <cmath>
 #include <utility>
 
 namespace desktop {
@@ -34,11 +33,13 @@ public:
 		fPainter.scale(1 / fPixel, 1 / fPixel);
 	}
 
-	// Fills the outline and draws its line inside of it: edges on whole units stay sharp. Edges in
-	// the left half are left edges, those in the upper half upper ones.
+	// Fills the outline and draws its line inside of it. Edges in the left half are left edges,
+	// those in the upper half upper ones.
 	void Shape(const QPolygonF& outline, const QBrush& fill, const QColor& line)
 	{
-		auto inside = [this](double at) { return at + (at < kGrid / 2 ? fPixel : -fPixel) / 2; };
+		auto inside = [this](double at) {
+			return Whole(at) + (at < kGrid / 2 ? fPixel : -fPixel) / 2;
+		};
 		QPolygonF inset;
 		for (const QPointF& point : outline)
 			inset << QPointF(inside(point.x()), inside(point.y()));
@@ -57,7 +58,8 @@ public:
 	}
 	void Box(double left, double top, double right, double bottom, const QBrush& fill)
 	{
-		fPainter.fillRect(QRectF(QPointF(left, top), QPointF(right, bottom)), fill);
+		fPainter.fillRect(
+			QRectF(QPointF(Whole(left), Whole(top)), QPointF(Whole(right), Whole(bottom))), fill);
 	}
 	void Disc(double x, double y, double across, double down, const QBrush& fill)
 	{
@@ -81,6 +83,9 @@ public:
 	}
 
 private:
+	// The nearest place between two pixels: edges there are sharp.
+	double Whole(double at) const { return std::floor(at / fPixel + 0.5) * fPixel; }
+
 	QImage fImage;
 	double fPixel;
 	QPainter fPainter;

@@ -24,7 +24,7 @@ enum class BuiltinIcon {
 	kUnknown,
 };
 
-// Any thread; waits until the desktop is up, and is empty without one. Crisp in multiples of 16.
+// Any thread; waits until the desktop is up, and is empty without one.
 QImage DrawBuiltinIcon(BuiltinIcon icon, int32 size);
 
 } // namespace desktop

@@ -47,9 +47,11 @@ public:
 	int32 Width() const;
 	int32 Height() const;
 
-	// The same picture with twice as many pixels in each direction, for screens that show more of
-	// them. `make` is called once, when such a screen draws this picture or a copy.
-	void SetDouble(std::function<Picture()> make);
+	// The same picture with more pixels, for screens that show finer ones. `make` gets the columns
+	// and rows that such a screen has for this picture or a copy, and is called in the thread that
+	// draws it; what it made is kept. It may return none.
+	typedef std::function<Picture(int32 width, int32 height)> Maker;
+	void SetMaker(Maker make);
 
 private:
 	friend class Canvas;

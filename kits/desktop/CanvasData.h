@@ -10,7 +10,7 @@
 #include <QPainter>
 #include <QRegion>
 
-#include <functional>
+#include <deque>
 #include <mutex>
 #include <optional>
 
@@ -19,8 +19,8 @@ namespace desktop {
 struct PictureData {
 	explicit PictureData(QImage pixels) : image(std::move(pixels)) {}
 
-	void SetDouble(std::function<Picture()> make);
-	// Part of the picture in another size; remembers the last one, for icons on a scaled screen.
+	void SetMaker(Picture::Maker make);
+	// Part of the picture in another size; remembers the last ones, for icons on scaled screens.
 	QImage Scaled(const QRect& source, const QSize& size);
 
 	static QImage ImageOf(const Picture& picture); // null without one
@@ -28,11 +28,16 @@ struct PictureData {
 	const QImage image; // premultiplied
 
 private:
-	std::mutex fLock;                     // pictures are shared by threads; guards the fields below
-	std::function<Picture()> fMakeDouble; // until it is called
-	QImage fDouble;
-	QRect fScaledSource;
-	QImage fScaled;
+	struct Copy {
+		QRect source;
+		QImage pixels;
+	};
+
+	QImage Make(const QRect& source, const QSize& size);
+
+	std::mutex fLock; // pictures are shared by threads; guards the fields below
+	Picture::Maker fMake;
+	std::deque<Copy> fScaled; // the newest last
 };
 
 struct CanvasData {

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <unistd.h>
+#include <utility>
 
 namespace desktop {
 
@@ -22,8 +23,10 @@ namespace {
 
 constexpr const char* kMainGroup = "Icon Theme";
 constexpr const char* kLastTheme = "hicolor"; // every theme inherits from it in the end
+constexpr const char* kPictureSuffix = ".png";
 constexpr const char* kDrawingSuffix = ".svg";
 constexpr int kDefaultThreshold = 2;
+constexpr int32 kMaxScale = 8;
 
 typedef std::unique_ptr<GKeyFile, GRelease<g_key_file_unref>> KeyFile;
 
@@ -72,6 +75,15 @@ IconFolders()
 	return folders;
 }
 
+// A package of its own (qt6-svg-plugins or the like). Not asked before there is a drawing, since
+// that loads all decoders.
+bool
+CanReadDrawings()
+{
+	static const bool sCan = QImageReader::supportedImageFormats().contains("svg");
+	return sCan;
+}
+
 // A drawing is decoded in the size wanted, a picture of another size scaled to fit.
 QImage
 LoadPicture(const std::string& path, int32 size)
@@ -94,10 +106,8 @@ LoadPicture(const std::string& path, int32 size)
 } // namespace
 
 IconTheme::IconTheme(std::vector<std::string> bases, const std::string& name) :
-	fBases(std::move(bases)), fSuffixes{".png"}
+	fBases(std::move(bases))
 {
-	if (QImageReader::supportedImageFormats().contains("svg"))
-		fSuffixes.emplace_back(kDrawingSuffix);
 	std::vector<std::string> known;
 	AddTheme(name, known);
 	AddTheme(kLastTheme, known);
@@ -111,11 +121,13 @@ IconTheme::Chosen()
 }
 
 QImage
-IconTheme::Load(const std::vector<std::string>& names, int32 size) const
+IconTheme::Load(const std::vector<std::string>& names, int32 size, int32 pixels) const
 {
+	const int32 scale = std::max(1, (pixels + size - 1) / size);
 	for (const Theme& theme : fThemes) {
 		for (const std::string& name : names) {
-			QImage image = LoadFrom(theme, name, size);
+			const std::string path = Find(theme, name, pixels, scale);
+			QImage image = path.empty() ? QImage() : LoadPicture(path, pixels);
 			if (!image.isNull())
 				return image;
 		}
@@ -123,10 +135,17 @@ IconTheme::Load(const std::vector<std::string>& names, int32 size) const
 	return {};
 }
 
-int32
-IconTheme::Folder::Distance(int32 size) const
+bool
+IconTheme::Has(const std::string& name) const
 {
-	return std::max({smallest - size, size - largest, 0});
+	return std::any_of(fThemes.begin(), fThemes.end(),
+		[&](const Theme& theme) { return !Find(theme, name, 1, 1).empty(); });
+}
+
+int32
+IconTheme::Folder::Distance(int32 pixels) const
+{
+	return std::max({smallest * scale - pixels, pixels - largest * scale, 0});
 }
 
 // `known` are the themes met so far, since themes may inherit from each other in a circle.
@@ -151,11 +170,10 @@ IconTheme::AddTheme(const std::string& name, std::vector<std::string>& known)
 	for (const std::string& subfolder : List(file.get(), kMainGroup, "Directories")) {
 		const char* group = subfolder.c_str();
 		const int32 size = Number(file.get(), group, "Size", 0);
-		if (size == 0 || Number(file.get(), group, "Scale", 1) != 1 ||
-			!IsForFiles(Text(file.get(), group, "Context")))
+		if (size == 0 || !IsForFiles(Text(file.get(), group, "Context")))
 			continue;
 		const std::string type = Text(file.get(), group, "Type");
-		Folder folder{{}, size, size};
+		Folder folder{{}, size, size, std::min(Number(file.get(), group, "Scale", 1), kMaxScale)};
 		if (type == "Scalable") {
 			folder.smallest = Number(file.get(), group, "MinSize", size);
 			folder.largest = Number(file.get(), group, "MaxSize", size);
@@ -177,25 +195,27 @@ IconTheme::AddTheme(const std::string& name, std::vector<std::string>& known)
 	}
 }
 
-QImage
-IconTheme::LoadFrom(const Theme& theme, const std::string& name, int32 size) const
+std::string
+IconTheme::Find(const Theme& theme, const std::string& name, int32 pixels, int32 scale) const
 {
 	std::string best;
-	int32 bestDistance = INT32_MAX;
+	// Of folders that are equally near, one whose pictures were drawn for such a screen.
+	std::pair<int32, bool> bestDistance(INT32_MAX, true);
 	for (const Folder& folder : theme) {
-		const int32 distance = folder.Distance(size);
+		const std::pair<int32, bool> distance(folder.Distance(pixels), folder.scale != scale);
 		if (distance >= bestDistance)
 			continue;
-		for (const std::string& suffix : fSuffixes) {
+		for (const char* suffix : {kPictureSuffix, kDrawingSuffix}) {
 			const std::string path = folder.path + name + suffix;
-			if (access(path.c_str(), R_OK) == 0) {
+			if (access(path.c_str(), R_OK) == 0 &&
+				(suffix != kDrawingSuffix || CanReadDrawings())) {
 				best = path;
 				bestDistance = distance;
 				break;
 			}
 		}
 	}
-	return best.empty() ? QImage() : LoadPicture(best, size);
+	return best;
 }
 
 } // namespace desktop

@@ -126,6 +126,7 @@ IsModifierKey(int qtKey)
 		case Qt::Key_CapsLock:
 		case Qt::Key_NumLock:
 		case Qt::Key_ScrollLock:
+		case Qt::Key_Menu:
 		case Qt::Key_Mode_switch:
 			return true;
 		default:
@@ -178,6 +179,10 @@ ModifierTracker::Key(const QKeyEvent& event)
 														  : B_LEFT_OPTION_KEY | B_RIGHT_OPTION_KEY;
 		fPlain = (fSides & bothSides) != 0 ? fPlain | key.plain : fPlain & ~key.plain;
 	}
+	if (event.key() == Qt::Key_Menu)
+		fMenu = down ? B_MENU_KEY : 0;
+	if (event.key() == Qt::Key_ScrollLock && down && !event.isAutoRepeat())
+		fScrollLock ^= B_SCROLL_LOCK;
 	// The event carries the locks before the key: a lock key switches with its press.
 	if (event.key() == Qt::Key_CapsLock || event.key() == Qt::Key_NumLock) {
 		if (down && !event.isAutoRepeat())
@@ -186,7 +191,7 @@ ModifierTracker::Key(const QKeyEvent& event)
 		fLocks = (event.nativeModifiers() & kNativeCapsLock ? B_CAPS_LOCK : 0) |
 			(event.nativeModifiers() & kNativeNumLock ? B_NUM_LOCK : 0);
 	}
-	return fPlain | fSides | fLocks;
+	return Mask();
 }
 
 uint32
@@ -197,7 +202,7 @@ ModifierTracker::Seen(Qt::KeyboardModifiers modifiers)
 		if ((fPlain & key.plain) == 0)
 			fSides &= ~key.side;
 	}
-	return fPlain | fSides | fLocks;
+	return Mask();
 }
 
 uint32
@@ -205,7 +210,8 @@ ModifierTracker::FocusLost()
 {
 	fPlain = 0;
 	fSides = 0;
-	return fLocks;
+	fMenu = 0;
+	return Mask();
 }
 
 } // namespace desktop

@@ -27,8 +27,12 @@ public:
 	uint32 FocusLost();                           // releases will not be seen
 
 private:
+	uint32 Mask() const { return fPlain | fSides | fLocks | fScrollLock | fMenu; }
+
 	uint32 fSides = 0; // the B_LEFT_ and B_RIGHT_ bits
 	uint32 fLocks = 0;
+	uint32 fScrollLock = 0; // no event carries it: counted from the presses
+	uint32 fMenu = 0;
 	uint32 fPlain = 0;
 };
 

@@ -65,10 +65,7 @@ NativeWindow::IsShown() const
 void
 NativeWindow::Activate()
 {
-	PostGui([peer = fPeer] {
-		peer->window->raise();
-		peer->window->requestActivate();
-	});
+	PostGui([peer = fPeer] { peer->window->Activate(); });
 }
 
 void

@@ -10,26 +10,44 @@
 
 namespace desktop {
 
+namespace {
+
+// Windows on screens of different scales take turns.
+constexpr size_t kMaxScaled = 4;
+
+} // namespace
+
 QImage
 PictureData::Scaled(const QRect& source, const QSize& size)
 {
 	std::lock_guard lock(fLock);
-	if (fScaled.size() != size || fScaledSource != source) {
-		const bool larger = size.width() > source.width();
-		if (larger && fMakeDouble) {
-			const Picture twice = std::exchange(fMakeDouble, nullptr)();
-			if (twice.IsValid() && twice.fData->image.size() == image.size() * 2)
-				fDouble = twice.fData->image;
-		}
-		const bool useDouble = larger && !fDouble.isNull();
-		const QRect part(source.topLeft() * 2, source.size() * 2);
-		const QImage pixels = useDouble ? fDouble.copy(part) : image.copy(source);
-		fScaled = pixels.size() == size
-			? pixels
-			: pixels.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-		fScaledSource = source;
+	for (const Copy& copy : fScaled) {
+		if (copy.source == source && copy.pixels.size() == size)
+			return copy.pixels;
 	}
-	return fScaled;
+	QImage pixels = Make(source, size);
+	if (pixels.isNull())
+		pixels = image.copy(source).scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+	if (fScaled.size() >= kMaxScaled)
+		fScaled.pop_front();
+	fScaled.push_back({source, pixels});
+	return pixels;
+}
+
+// Null when there is nothing better than the picture itself.
+QImage
+PictureData::Make(const QRect& source, const QSize& size)
+{
+	if (!fMake || size.width() <= source.width() || size.height() <= source.height())
+		return {};
+	const QSize whole(image.width() * size.width() / source.width(),
+		image.height() * size.height() / source.height());
+	const Picture made = fMake(whole.width(), whole.height());
+	if (!made.IsValid() || made.fData->image.size() != whole)
+		return {};
+	const QPoint corner(source.left() * size.width() / source.width(),
+		source.top() * size.height() / source.height());
+	return made.fData->image.copy(QRect(corner, size));
 }
 
 QImage
@@ -39,10 +57,10 @@ PictureData::ImageOf(const Picture& picture)
 }
 
 void
-PictureData::SetDouble(std::function<Picture()> make)
+PictureData::SetMaker(Picture::Maker make)
 {
 	std::lock_guard lock(fLock);
-	fMakeDouble = std::move(make);
+	fMake = std::move(make);
 }
 
 Picture::Picture() = default;
@@ -80,10 +98,10 @@ Picture::Height() const
 }
 
 void
-Picture::SetDouble(std::function<Picture()> make)
+Picture::SetMaker(Maker make)
 {
 	if (IsValid())
-		fData->SetDouble(std::move(make));
+		fData->SetMaker(std::move(make));
 }
 
 void

@@ -29,6 +29,12 @@ constexpr bigtime_t kClickSpeed = 500000;
 
 using CursorData = std::array<unsigned char, kCursorBytes>;
 
+bool
+IsOnX11()
+{
+	return QGuiApplication::platformName() == QLatin1String("xcb");
+}
+
 QImage
 CursorImage(const CursorData& data)
 {
@@ -52,7 +58,9 @@ ShowCursor(const CursorData& data)
 	const QImage image = CursorImage(data).scaled(kCursorSize * factor, kCursorSize * factor);
 	QPixmap pixmap = QPixmap::fromImage(image);
 	pixmap.setDevicePixelRatio(factor);
-	const QCursor cursor(pixmap, data[3], data[2]);
+	// Qt's X11 plugin takes the place of the hot spot for one in the pixmap's own pixels.
+	const int hotFactor = IsOnX11() ? factor : 1;
+	const QCursor cursor(pixmap, data[3] * hotFactor, data[2] * hotFactor);
 	if (QGuiApplication::overrideCursor() != nullptr)
 		QGuiApplication::changeOverrideCursor(cursor);
 	else
@@ -84,9 +92,8 @@ Beep()
 	PostGui([] {
 		// Qt Gui has no call for the bell; the library is loaded already by Qt's X11 plugin.
 		// The offscreen platform answers too, with a connection that is none.
-		const auto* x11 = QGuiApplication::platformName() == QLatin1String("xcb")
-			? qGuiApp->nativeInterface<QNativeInterface::QX11Application>()
-			: nullptr;
+		const auto* x11 =
+			IsOnX11() ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
 		void* library = x11 ? dlopen("libxcb.so.1", RTLD_LAZY | RTLD_NOLOAD) : nullptr;
 		if (library == nullptr)
 			return;

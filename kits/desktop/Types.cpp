@@ -23,7 +23,7 @@ namespace desktop {
 namespace {
 
 // There are a few hundred on a machine, but files may name any in their attributes.
-constexpr size_t kMaxDescriptions = 2000;
+constexpr size_t kMaxAnswers = 2000;
 
 // Otherwise GIO finds the folders of the database only when it first looks for a description, and
 // then loads all of it a second time and loses parts of the first.
@@ -180,22 +180,38 @@ TypeDescription(const std::string& type)
 	}
 	std::string text = AskForDescription(type == kBrokenLinkType ? kLinkType : type);
 	std::lock_guard lock(sLock);
-	if (sDescriptions.size() >= kMaxDescriptions)
+	if (sDescriptions.size() >= kMaxAnswers)
 		sDescriptions.clear();
 	return sDescriptions.try_emplace(type, std::move(text)).first->second;
 }
 
 IconPixels
-LoadTypeIcon(const std::string& type, int32 size)
+LoadTypeIcon(const std::string& type, int32 size, int32 pixels)
 {
 	const bool broken = type == kBrokenLinkType;
 	std::vector<std::string> names = IconNames(broken ? kLinkType : type);
 	if (broken || type == kLinkType)
 		names.emplace_back("emblem-symbolic-link");
-	QImage image = IconTheme::Chosen().Load(names, size);
+	QImage image = IconTheme::Chosen().Load(names, size, pixels);
 	if (image.isNull())
-		image = DrawBuiltinIcon(broken ? BuiltinIcon::kBrokenLink : BuiltinFor(names), size);
+		image = DrawBuiltinIcon(broken ? BuiltinIcon::kBrokenLink : BuiltinFor(names), pixels);
 	return ToPixels(image);
+}
+
+bool
+HasOwnIcon(const std::string& type)
+{
+	static std::mutex sLock;
+	static std::unordered_map<std::string, bool> sAnswers;
+	std::lock_guard lock(sLock);
+	auto found = sAnswers.find(type);
+	if (found != sAnswers.end())
+		return found->second;
+	std::string name = type;
+	std::replace(name.begin(), name.end(), '/', '-');
+	if (sAnswers.size() >= kMaxAnswers)
+		sAnswers.clear();
+	return sAnswers[type] = IconTheme::Chosen().Has(name);
 }
 
 } // namespace desktop

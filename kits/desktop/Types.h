@@ -38,8 +38,16 @@ struct IconPixels {
 	std::vector<uint32> pixels;
 };
 
-// From the theme, else drawn by us; there is one for every type. Reads files and decodes
-// pictures each time: callers keep the result.
-IconPixels LoadTypeIcon(const std::string& type, int32 size);
+// From the theme, else drawn by us; there is one for every type. `pixels`: the columns and rows
+// in which a screen shows an icon of this size, which need not be as many. Reads files and
+// decodes pictures each time: callers keep the result.
+IconPixels LoadTypeIcon(const std::string& type, int32 size, int32 pixels);
+inline IconPixels
+LoadTypeIcon(const std::string& type, int32 size)
+{
+	return LoadTypeIcon(type, size, size);
+}
+// Whether the theme has an icon for just this type, not only for those like it.
+bool HasOwnIcon(const std::string& type);
 
 } // namespace desktop

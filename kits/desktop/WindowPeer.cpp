@@ -43,6 +43,12 @@ FlagsFor(const NativeWindow::Options& options)
 }
 
 bool
+IsOnWayland()
+{
+	return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
+bool
 HasFullPixels(const QImage& image)
 {
 	return image.format() == QImage::Format_RGB32 ||
@@ -113,7 +119,7 @@ PeerWindow::ShowFirst(const CanvasData& canvas, QWindow* parent)
 	show();
 	// Where programs decorate their windows themselves, Qt makes the decoration when a window is
 	// painted that is shown already.
-	if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+	if (IsOnWayland())
 		TakePicture(canvas, all);
 	if (fIsPopUp)
 		PopUpOpened(*this);
@@ -123,6 +129,19 @@ void
 PeerWindow::hideEvent(QHideEvent*)
 {
 	PopUpClosed(*this);
+}
+
+void
+PeerWindow::Activate()
+{
+	raise();
+	requestActivate();
+	// Wayland's compositors give the keys to new windows, not to those that ask for them.
+	if (IsOnWayland() && type() == Qt::Dialog && isVisible() && !isActive()) {
+		hide();
+		setTransientParent(WindowBehind());
+		show();
+	}
 }
 
 QImage*

@@ -23,6 +23,7 @@ public:
 	~PeerWindow() override;
 
 	void ShowFirst(const CanvasData& canvas, QWindow* parent);
+	void Activate();
 	void TakePicture(const CanvasData& canvas, const QRegion& region);
 	void ResizeContent(const QSize& size);
 	void SetTextInput(bool wanted, const QRect& caret);

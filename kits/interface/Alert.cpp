@@ -26,7 +26,8 @@ struct BAlert::Outcome {
 	~Outcome() { delete_sem(answered); }
 
 	const sem_id answered;
-	int32 which = -1; // written before the semaphore is released
+	int32 which = -1;                 // written before the semaphore is released
+	std::function<void()> wakeWaiter; // or none; set before the alert's loop starts
 };
 
 BAlert::BAlert(const char* title, const char* text, const char* button0, const char* button1,
@@ -51,6 +52,8 @@ BAlert::~BAlert()
 		fAnswerTarget.SendMessage(fAnswer.get());
 	}
 	release_sem(fOutcome->answered);
+	if (fOutcome->wakeWaiter)
+		fOutcome->wakeWaiter();
 }
 
 void
@@ -163,6 +166,7 @@ BAlert::Go()
 	const std::shared_ptr<Outcome> outcome = fOutcome;
 	Closer closer{BMessenger(this)};
 	BPrivate::ModalCall call;
+	outcome->wakeWaiter = call.Waker();
 	if (!Open(!call.IsOfLooper()))
 		return outcome->which;
 	call.Wait(outcome->answered, [&call] {

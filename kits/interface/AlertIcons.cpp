@@ -9,11 +9,11 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <vector>
 
 namespace {
 
-constexpr int32 kSize = 32;
-constexpr int kSamples = 6; // per pixel and direction
+constexpr int32 kSize = 32; // the grid on which the shapes are drawn
 
 struct Point {
 	float x;
@@ -78,62 +78,71 @@ Octagon(float x, float y, float radius)
 
 class IconPainter {
 public:
-	IconPainter() : fBitmap(std::make_unique<BBitmap>(BRect(0, 0, kSize - 1, kSize - 1), B_RGBA32))
+	// So many pixels in each direction.
+	explicit IconPainter(int32 size) :
+		fSize(size),
+		fSamples(size > kSize ? 4 : 6),
+		fPixels(static_cast<size_t>(size) * static_cast<size_t>(size))
 	{}
 
 	// Paints with a vertical run of colours, by how much of each pixel the shape covers.
 	void Fill(const Shape& shape, rgb_color top, rgb_color bottom)
 	{
-		uint8* bits = static_cast<uint8*>(fBitmap->Bits());
-		for (int32 y = 0; y < kSize; y++) {
-			for (int32 x = 0; x < kSize; x++) {
+		for (int32 y = 0; y < fSize; y++) {
+			for (int32 x = 0; x < fSize; x++) {
 				float cover = Coverage(shape, x, y);
 				if (cover > 0)
-					Blend(bits + y * fBitmap->BytesPerRow() + x * 4, Mix(top, bottom, y), cover);
+					Blend(&fPixels[static_cast<size_t>(y * fSize + x)], Mix(top, bottom, y), cover);
 			}
 		}
 	}
 	void Fill(const Shape& shape, rgb_color color) { Fill(shape, color, color); }
 
-	std::unique_ptr<BBitmap> Take() { return std::move(fBitmap); }
+	// Rows of 0xAARRGGBB, not premultiplied.
+	const std::vector<uint32>& Pixels() const { return fPixels; }
 
 private:
-	static float Coverage(const Shape& shape, int32 x, int32 y)
+	float Coverage(const Shape& shape, int32 x, int32 y) const
 	{
+		const float samples = static_cast<float>(fSamples);
+		const float unit = static_cast<float>(kSize) / static_cast<float>(fSize);
 		int inside = 0;
-		for (int i = 0; i < kSamples * kSamples; i++) {
-			float dx = (static_cast<float>(i % kSamples) + 0.5f) / kSamples;
-			float dy = (static_cast<float>(i / kSamples) + 0.5f) / kSamples;
-			inside += shape({static_cast<float>(x) + dx, static_cast<float>(y) + dy}) ? 1 : 0;
+		for (int i = 0; i < fSamples * fSamples; i++) {
+			float dx = (static_cast<float>(i % fSamples) + 0.5f) / samples;
+			float dy = (static_cast<float>(i / fSamples) + 0.5f) / samples;
+			const Point point{
+				(static_cast<float>(x) + dx) * unit, (static_cast<float>(y) + dy) * unit};
+			inside += shape(point) ? 1 : 0;
 		}
-		return static_cast<float>(inside) / (kSamples * kSamples);
+		return static_cast<float>(inside) / (samples * samples);
 	}
 
-	static rgb_color Mix(rgb_color top, rgb_color bottom, int32 y)
+	rgb_color Mix(rgb_color top, rgb_color bottom, int32 y) const
 	{
-		auto mix = [y](uint8 a, uint8 b) {
-			return static_cast<uint8>((a * (kSize - 1 - y) + b * y) / (kSize - 1));
+		auto mix = [this, y](uint8 a, uint8 b) {
+			return static_cast<uint8>((a * (fSize - 1 - y) + b * y) / (fSize - 1));
 		};
 		return {mix(top.red, bottom.red), mix(top.green, bottom.green), mix(top.blue, bottom.blue),
 			255};
 	}
 
-	// Source over destination; colours are not premultiplied.
-	static void Blend(uint8* pixel, rgb_color color, float cover)
+	// Source over destination.
+	static void Blend(uint32* pixel, rgb_color color, float cover)
 	{
-		float below = static_cast<float>(pixel[3]) / 255 * (1 - cover);
-		float alpha = cover + below;
-		const uint8 parts[3] = {color.blue, color.green, color.red};
-		for (int i = 0; i < 3; i++) {
-			float mixed =
-				(static_cast<float>(parts[i]) * cover + static_cast<float>(pixel[i]) * below) /
-				alpha;
-			pixel[i] = static_cast<uint8>(std::lround(mixed));
-		}
-		pixel[3] = static_cast<uint8>(std::lround(alpha * 255));
+		const float below = static_cast<float>(*pixel >> 24) / 255 * (1 - cover);
+		const float alpha = cover + below;
+		auto blend = [&](uint8 part, int shift) {
+			const float old = static_cast<float>(*pixel >> shift & 0xff);
+			const float mixed = (static_cast<float>(part) * cover + old * below) / alpha;
+			return static_cast<uint32>(std::lround(mixed)) << shift;
+		};
+		*pixel = static_cast<uint32>(std::lround(alpha * 255)) << 24 | blend(color.red, 16) |
+			blend(color.green, 8) | blend(color.blue, 0);
 	}
 
-	std::unique_ptr<BBitmap> fBitmap;
+	int32 fSize;
+	int fSamples; // for each pixel and direction
+	std::vector<uint32> fPixels;
 };
 
 constexpr rgb_color kWhite = {255, 255, 255};
@@ -183,12 +192,10 @@ PaintStop(IconPainter& painter)
 	painter.Fill(Box(7.5f, 13.2f, 24.5f, 18.8f, 1.2f), kWhite);
 }
 
-} // namespace
-
-std::unique_ptr<BBitmap>
-BPrivate::MakeAlertIcon(alert_type type)
+desktop::Picture
+PaintIcon(alert_type type, int32 size)
 {
-	IconPainter painter;
+	IconPainter painter(size);
 	switch (type) {
 		case B_INFO_ALERT:
 			PaintInfo(painter);
@@ -205,5 +212,18 @@ BPrivate::MakeAlertIcon(alert_type type)
 		case B_EMPTY_ALERT:
 			break;
 	}
-	return painter.Take();
+	return desktop::Picture(
+		size, size, painter.Pixels().data(), static_cast<size_t>(size) * sizeof(uint32));
+}
+
+} // namespace
+
+std::unique_ptr<BBitmap>
+BPrivate::MakeAlertIcon(alert_type type)
+{
+	auto bitmap = std::make_unique<BBitmap>(BRect(0, 0, kSize - 1, kSize - 1), B_RGBA32);
+	desktop::Picture picture = PaintIcon(type, kSize);
+	picture.SetMaker([type](int32 width, int32) { return PaintIcon(type, width); });
+	bitmap->SetPicture(picture);
+	return bitmap;
 }

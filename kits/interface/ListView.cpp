@@ -9,6 +9,22 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+
+// The nearest float that is not above, or not below.
+static float
+FloatBefore(double value)
+{
+	const float near = static_cast<float>(value);
+	return double(near) <= value ? near
+								 : std::nextafter(near, -std::numeric_limits<float>::infinity());
+}
+
+static float
+FloatBehind(double value)
+{
+	return -FloatBefore(-value);
+}
 
 BListView::BListView(
 	BRect frame, const char* name, list_view_type type, uint32 resizingMode, uint32 flags) :
@@ -243,8 +259,8 @@ BListView::LayoutChanged(int32 firstRow, double oldTotal)
 	if (Window() == nullptr)
 		return;
 	BRect bounds = Bounds();
-	float top = std::floor(static_cast<float>(fLayout.TopOf(firstRow)));
-	float end = std::ceil(static_cast<float>(std::max(oldTotal, fLayout.TotalHeight())));
+	float top = std::floor(FloatBefore(fLayout.TopOf(firstRow)));
+	float end = std::ceil(FloatBehind(std::max(oldTotal, fLayout.TotalHeight())));
 	BRect changed(
 		bounds.left, std::max(top, bounds.top), bounds.right, std::min(end, bounds.bottom));
 	if (changed.IsValid())
@@ -267,8 +283,7 @@ BListView::UpdateScrollBar()
 	bar->SetRange(0, static_cast<float>(std::max(total - height, 0.0)));
 }
 
-// Frames are floats: far down they lie on a coarser grid than the layout. Drawing and the mouse
-// must see the same one.
+// Frames are floats: far down they lie on a coarser grid than the layout, and the mouse with them.
 float
 BListView::RowTop(int32 index) const
 {
@@ -313,8 +328,9 @@ BListView::InvalidateItem(int32 index)
 	if (fLayout.SetHeight(index, ItemAt(index)->Height()))
 		LayoutChanged(index, oldTotal);
 	BRect bounds = Bounds();
-	BRect frame = ItemFrame(index);
-	Invalidate(BRect(bounds.left, frame.top, bounds.right, frame.bottom));
+	const double top = fLayout.TopOf(index);
+	Invalidate(BRect(bounds.left, FloatBefore(top), bounds.right,
+		FloatBehind(top + double(fLayout.HeightOf(index)))));
 }
 
 // The rows that the bounds touch; false when there are none.
@@ -401,20 +417,40 @@ BListView::TargetedByScrollView(BScrollView* scrollView)
 	UpdateScrollBar();
 }
 
+// Far down a list the floats of rectangles lie whole pixels apart. Rows are drawn as if the list
+// began near them, in coordinates that are exact.
 void
 BListView::Draw(BRect updateRect)
 {
+	constexpr double kExact = 1 << 22;
+	struct NearOrigin {
+		explicit NearOrigin(BListView& view) :
+			list(view), base(view.fOriginY > kExact ? std::floor(view.fOriginY) : 0)
+		{
+			list.fOriginY -= base;
+		}
+		~NearOrigin() { list.fOriginY += base; }
+		BListView& list;
+		const double base;
+	} origin(*this);
+
 	// Rows far apart may be damaged and none between them. Where the list lies at a fraction, edges
 	// round by up to half a pixel more; whole ones must not reach the next row.
 	constexpr float kRounding = 0.49f;
 	BRegion reached;
 	GetClippingRegion(&reached);
-	int32 row = std::max(RowAt(updateRect.top), 0);
-	for (; row < CountItems(); row++) {
-		BRect frame = ItemFrame(row);
-		if (frame.top > updateRect.bottom)
-			break;
+	if (origin.base > 0)
+		updateRect = reached.Frame();
+	const double start = double(updateRect.top) + origin.base;
+	if (start >= fLayout.TotalHeight())
+		return;
+	int32 row = std::max(fLayout.RowAt(start), 0);
+	double top = fLayout.TopOf(row) - origin.base;
+	for (; row < CountItems() && top <= double(updateRect.bottom); row++) {
+		const double bottom = top + double(fLayout.HeightOf(row));
+		const BRect frame(0, static_cast<float>(top), Bounds().Width(), static_cast<float>(bottom));
 		if (reached.Intersects(frame.InsetByCopy(0, -kRounding)))
 			ItemAt(row)->DrawItem(this, frame, false);
+		top = bottom + 1;
 	}
 }

@@ -2,9 +2,14 @@
 
 #include <interface/Look.h>
 
+#include <interface/Bitmap.h>
 #include <interface/View.h>
 
 #include <cmath>
+#include <map>
+#include <mutex>
+#include <tuple>
+#include <vector>
 
 void
 BPrivate::DrawEdges(BView* view, BRect rect, rgb_color leftTop, rgb_color rightBottom)
@@ -51,28 +56,91 @@ BPrivate::DrawSunken(BView* view, BRect rect)
 	DrawEdges(view, rect.InsetByCopy(1, 1), kDarkestEdge, kPanelColor);
 }
 
+namespace {
+
+using BPrivate::ArrowDirection;
+
+bool
+IsUpright(ArrowDirection direction)
+{
+	return direction == ArrowDirection::kUp || direction == ArrowDirection::kDown;
+}
+
+// Fills the size, each row from the point to the base a little wider than the last.
+desktop::Picture
+ArrowPicture(ArrowDirection direction, rgb_color color, int32 width, int32 height)
+{
+	const uint32 ink = 0xff000000 | uint32(color.red) << 16 | uint32(color.green) << 8 | color.blue;
+	const bool upright = IsUpright(direction);
+	const bool pointFirst = direction == ArrowDirection::kUp || direction == ArrowDirection::kLeft;
+	const int32 length = upright ? height : width;
+	const int32 base = upright ? width : height;
+	std::vector<uint32> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
+	for (int32 row = 0; row < length; row++) {
+		// Symmetrical: an even number in an even base, at least one in an odd one.
+		int32 across = base * (row + 1) / length;
+		across -= (base - across) % 2;
+		const int32 along = pointFirst ? row : length - 1 - row;
+		for (int32 i = (base - across) / 2; i < (base + across) / 2; i++) {
+			const int32 at = upright ? along * width + i : i * width + along;
+			pixels[static_cast<size_t>(at)] = ink;
+		}
+	}
+	return desktop::Picture(width, height, pixels.data(), static_cast<size_t>(width) * 4);
+}
+
+// Painted anew for every scale: lines of whole logical pixels would make coarse steps.
+BBitmap
+MakeArrow(ArrowDirection direction, rgb_color color, int32 width, int32 height)
+{
+	BBitmap bitmap(
+		BRect(0, 0, static_cast<float>(width - 1), static_cast<float>(height - 1)), B_RGBA32);
+	desktop::Picture picture = ArrowPicture(direction, color, width, height);
+	picture.SetMaker([direction, color](int32 columns, int32 rows) {
+		return ArrowPicture(direction, color, columns, rows);
+	});
+	bitmap.SetPicture(picture);
+	return bitmap;
+}
+
+// One for each use: a handful in a program.
+const BBitmap&
+Arrow(ArrowDirection direction, rgb_color color, int32 width, int32 height)
+{
+	static std::mutex sLock;
+	static std::map<std::tuple<ArrowDirection, uint32, int32>, BBitmap> sArrows;
+	const uint32 key = uint32(color.red) << 16 | uint32(color.green) << 8 | color.blue;
+	std::lock_guard lock(sLock);
+	auto found = sArrows.find({direction, key, width});
+	if (found == sArrows.end())
+		found =
+			sArrows.try_emplace({direction, key, width}, MakeArrow(direction, color, width, height))
+				.first;
+	return found->second;
+}
+
+} // namespace
+
 void
 BPrivate::DrawArrow(BView* view, BRect rect, ArrowDirection direction, rgb_color color)
 {
-	constexpr int kRows = 4;
-	const bool upright = direction == ArrowDirection::kUp || direction == ArrowDirection::kDown;
-	const bool forward = direction == ArrowDirection::kDown || direction == ArrowDirection::kRight;
-	const float middleX = std::floor((rect.left + rect.right) / 2);
-	const float middleY = std::floor((rect.top + rect.bottom) / 2);
-	// As many pixels across as fit evenly: an odd number in the middle of an odd one.
-	const int32 across = upright ? rect.IntegerWidth() : rect.IntegerHeight();
-	const float extra = across % 2 == 0 ? 0 : 1;
-	view->BeginLineArray(kRows);
-	for (int row = 0; row < kRows; row++) {
-		// Rows of 1, 3, 5 and 7 pixels (or 2, 4, 6 and 8), from the point to the base.
-		float along = static_cast<float>(forward ? kRows / 2 - row : row - kRows / 2 + 1);
-		float half = static_cast<float>(row);
-		if (upright)
-			view->AddLine(BPoint(middleX - half, middleY + along),
-				BPoint(middleX + half + extra, middleY + along), color);
-		else
-			view->AddLine(BPoint(middleX + along, middleY - half),
-				BPoint(middleX + along, middleY + half + extra), color);
-	}
-	view->EndLineArray();
+	constexpr int32 kLength = 4;
+	const bool upright = IsUpright(direction);
+	// Evenly wide in an even box, so that it stands in the middle.
+	const int32 box = (upright ? rect.IntegerWidth() : rect.IntegerHeight()) + 1;
+	const int32 base = 2 * kLength - box % 2;
+	const int32 width = upright ? base : kLength;
+	const int32 height = upright ? kLength : base;
+	// The half pixel that is left along the arrow goes to its point's side.
+	const bool pointFirst = direction == ArrowDirection::kUp || direction == ArrowDirection::kLeft;
+	auto start = [pointFirst](float low, float high, int32 length, bool along) {
+		const float half = (high - low + 1 - static_cast<float>(length)) / 2;
+		return low + (along && pointFirst ? std::ceil(half) : std::floor(half));
+	};
+	const BPoint where(start(rect.left, rect.right, width, !upright),
+		start(rect.top, rect.bottom, height, upright));
+	const drawing_mode before = view->DrawingMode();
+	view->SetDrawingMode(B_OP_OVER);
+	view->DrawBitmap(&Arrow(direction, color, width, height), where);
+	view->SetDrawingMode(before);
 }

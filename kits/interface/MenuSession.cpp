@@ -76,6 +76,8 @@ BPrivate::MenuSession::Finish(BMenuItem* choice)
 		whenChosen(choice);
 	Unregister();
 	release_sem(fDone);
+	if (wakeWaiter)
+		wakeWaiter();
 }
 
 void

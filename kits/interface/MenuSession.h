@@ -36,8 +36,9 @@ public:
 	// In the menu's thread, when its windows are gone from the screen. Calls `whenChosen`.
 	void Finish(BMenuItem* choice);
 
-	// For an asynchronous menu, before it runs.
+	// Set before the menu runs: for an asynchronous one, and for who waits for the end.
 	std::function<void(BMenuItem*)> whenChosen;
+	std::function<void()> wakeWaiter;
 
 private:
 	void Unregister();

@@ -15,8 +15,8 @@
 
 namespace {
 
-// How often a window that waits looks whether it has to paint; microseconds.
-constexpr bigtime_t kServeInterval = 20000;
+// What changes within this time is painted together; microseconds.
+constexpr bigtime_t kServeInterval = 10000;
 
 struct Alert {
 	const BWindow* window; // an address only
@@ -139,6 +139,15 @@ BPrivate::ModalCall::EndCapture()
 		fWindow->_EndCapture();
 }
 
+std::function<void()>
+BPrivate::ModalCall::Waker() const
+{
+	return [caller = fCaller] {
+		if (caller)
+			caller->Wake();
+	};
+}
+
 void
 BPrivate::ModalCall::Wait(sem_id done, const std::function<void()>& askedToQuit)
 {
@@ -148,15 +157,19 @@ BPrivate::ModalCall::Wait(sem_id done, const std::function<void()>& askedToQuit)
 		return;
 	}
 	while (acquire_sem_etc(done, 1, B_RELATIVE_TIMEOUT, kServeInterval) == B_TIMED_OUT) {
-		// The hook may have given the lock to somebody else.
+		bigtime_t deadline = B_INFINITE_TIMEOUT;
 		if (fWindow != nullptr && fWindow->LockWithTimeout(0) == B_OK) {
 			fWindow->_ServeWhileBlocked();
 			fWindow->Unlock();
+		} else if (fWindow != nullptr) {
+			// The hook has given the lock to somebody else, whose end nobody tells us.
+			deadline = system_time() + kServeInterval;
 		}
 		bool asked = false;
 		fCaller->Visit(
 			[&](const BMessage& message) { return asked = message.what == B_QUIT_REQUESTED; });
 		if (asked)
 			askedToQuit();
+		fCaller->WaitForChange(deadline);
 	}
 }

@@ -47,6 +47,9 @@ public:
 	bool HandlesPress() const; // what the window's thread does now is the answer to a press
 	void EndCapture();         // who captures the mouse in the window gets its MouseUp()
 
+	// Who releases the semaphore calls this afterwards, for a looper that sleeps. Any thread, and
+	// longer than the call lives.
+	std::function<void()> Waker() const;
 	// Until the semaphore is released. `askedToQuit` is called each time that the thread's looper
 	// is seen to have been asked to quit.
 	void Wait(sem_id done, const std::function<void()>& askedToQuit);

@@ -69,7 +69,9 @@ BPopUpMenu::Go(BPoint where, bool deliversMessage, bool openAnyway, BRect clickT
 	start.clickToOpen = clickToOpen;
 	start.when = system_time();
 
-	if (async)
+	if (!async)
+		session->wakeWaiter = call.Waker();
+	else
 		session->whenChosen = [=](BMenuItem* item) { Accept(item, deliversMessage); };
 	(new BPrivate::MenuMasterWindow(Name(), rows, start, session))->Open();
 	if (async) {

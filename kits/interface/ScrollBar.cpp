@@ -212,10 +212,12 @@ BScrollBar::Draw(BRect)
 	BRect trough = PartRect(layout.ArrowLength(), layout.TroughLength());
 	if (trough.IsValid()) {
 		const bool enabled = fMax > fMin;
-		BPrivate::DrawEdges(this, trough, BPrivate::kDarkEdge,
-			enabled ? BPrivate::kSoftLightEdge : BPrivate::kDarkEdge);
 		SetHighColor(enabled ? BPrivate::kTroughColor : BPrivate::kPanelColor);
-		FillRect(trough.InsetByCopy(1, 1));
+		FillRect(trough);
+		if (enabled)
+			BPrivate::DrawSunken(this, trough);
+		else
+			BPrivate::DrawEdges(this, trough, BPrivate::kDarkEdge, BPrivate::kDarkEdge);
 	}
 	if (layout.HasThumb())
 		BPrivate::DrawRaised(

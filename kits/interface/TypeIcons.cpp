@@ -50,8 +50,10 @@ public:
 		const desktop::IconPixels icon = desktop::LoadTypeIcon(type, size);
 		made.SetBits(icon.pixels.data(), static_cast<int32>(icon.pixels.size() * 4), 0, B_RGBA32);
 		desktop::Picture picture = PictureOf(icon);
-		picture.SetDouble(
-			[type, size] { return PictureOf(desktop::LoadTypeIcon(type, size * 2)); });
+		picture.SetMaker([type, size](int32 width, int32 height) {
+			return width == height ? PictureOf(desktop::LoadTypeIcon(type, size, width))
+								   : desktop::Picture();
+		});
 		made.SetPicture(picture);
 
 		std::lock_guard lock(fLock);
@@ -129,6 +131,13 @@ public:
 		if (FillFromAttribute(node, size, bitmap))
 			return;
 		BMimeType type;
+		std::string signature;
+		if (node.GetPreferredApp(&signature) && type.SetTo(signature.c_str()) == B_OK &&
+			desktop::HasOwnIcon(type.fKey)) {
+			Fill(type, size, bitmap);
+			return;
+		}
+		type.Unset();
 		if (!text.empty())
 			type.SetTo(text.c_str());
 		if (type.InitCheck() != B_OK || (!S_ISREG(node.Mode()) && !type.IsInstalled()))

@@ -215,6 +215,7 @@ public:
 private:
 	friend class BWindow;
 	friend class BScrollBar; // sets itself as fHorizontalBar / fVerticalBar
+	friend class BListView;  // draws its rows from an origin nearby
 
 	struct State {
 		rgb_color high = {0, 0, 0, 255};

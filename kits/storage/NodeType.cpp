@@ -19,6 +19,7 @@ namespace BPrivate {
 namespace {
 
 constexpr const char* kTypeAttribute = "user.BEOS:TYPE";
+constexpr const char* kPreferredAppAttribute = "user.BEOS:PREF_APP";
 constexpr const char* kDesktopTypeAttribute = "user.mime_type";
 
 // listxattr() below an open folder; ENOSYS where the kernel has no such call, before 6.13. The way
@@ -99,6 +100,12 @@ NodeType::GetType(std::string* type) const
 	if (type->empty())
 		*type = TypeOfContent();
 	return B_OK;
+}
+
+bool
+NodeType::GetPreferredApp(std::string* signature) const
+{
+	return ReadText(kPreferredAppAttribute, signature);
 }
 
 bool

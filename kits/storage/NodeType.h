@@ -29,6 +29,9 @@ public:
 	// name or leading bytes. B_ENTRY_NOT_FOUND.
 	status_t GetType(std::string* type) const;
 
+	// The signature of the program that opens this very node; false when it names none.
+	bool GetPreferredApp(std::string* signature) const;
+
 	// The value of an attribute that has just this length. One that is missing costs nothing.
 	bool ReadFixed(const char* attribute, void* buffer, size_t length) const;
 

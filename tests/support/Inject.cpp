@@ -7,6 +7,7 @@
 #include <desktop/GuiThread.h>
 
 #include <private/qdnd_p.h>
+#include <private/qhighdpiscaling_p.h>
 #include <private/qsimpledrag_p.h>
 #include <qpa/qplatformdrag.h>
 #include <qpa/qwindowsysteminterface.h>
@@ -113,6 +114,8 @@ constexpr SidedKey kSidedKeys[] = {
 	{B_RIGHT_COMMAND_KEY, Qt::Key_Alt, 0xffea},
 	{B_LEFT_OPTION_KEY, Qt::Key_Meta, 0xffeb},
 	{B_RIGHT_OPTION_KEY, Qt::Key_Meta, 0xffec},
+	{B_MENU_KEY, Qt::Key_Menu, 0xff67},
+	{B_SCROLL_LOCK, Qt::Key_ScrollLock, 0xff14},
 };
 
 // The offscreen platform has no drags, but Qt has some for platforms that leave them to it. Who
@@ -409,6 +412,19 @@ InjectedUser::Resize(int32 width, int32 height)
 	CallGui([&] {
 		fWindow->resize(width, height);
 		QWindowSystemInterface::flushWindowSystemEvents();
+	});
+}
+
+void
+InjectedUser::Rescale(double factor)
+{
+	CallGui([&] {
+		// Windows keep their logical size, as compositors do it.
+		const QSize size = fWindow->size();
+		QHighDpiScaling::setScreenFactor(fWindow->screen(), factor);
+		fWindow->resize(size);
+		const QRect all(QPoint(), size);
+		QWindowSystemInterface::handleExposeEvent<Deliver>(fWindow, all);
 	});
 }
 

@@ -51,7 +51,8 @@ public:
 	void Key(const std::string& bytes, uint32 modifiers = 0);
 	void KeyDown(const std::string& bytes, uint32 modifiers = 0, bool repeat = false);
 	void KeyUp(const std::string& bytes, uint32 modifiers = 0);
-	// One of B_LEFT_SHIFT_KEY ... B_RIGHT_OPTION_KEY; `modifiers` are those held before.
+	// B_LEFT_SHIFT_KEY ... B_RIGHT_OPTION_KEY, B_MENU_KEY or B_SCROLL_LOCK; `modifiers` are those
+	// held before.
 	void ModifierKey(uint32 sidedKey, bool down, uint32 modifiers = 0);
 
 	// What an input method or a dead key has made; false when the window takes none at present.
@@ -61,6 +62,8 @@ public:
 	void Activate();
 	void Deactivate();
 	void Resize(int32 width, int32 height);
+	// The user gives the screen another scale, from 1; for all windows until it is put back.
+	void Rescale(double factor);
 
 	// The window's present picture: device pixels as 0xffRRGGBB, or 0 outside.
 	struct Picture {

@@ -13,10 +13,10 @@ import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../x11"))
 
-from desktop import KORVA, Display, Picture, Program, wait_until
+from desktop import ABOUT, FRAME, KORVA, Display, Picture, Program, wait_until
 
-ABOUT = os.environ.get("KORVA_ABOUT", "build/check/tests/about_program")
 SOCKET = "wayland-test"
+LARGER = (FRAME[2] + 90, FRAME[3] + 70)
 # Nothing but the programs' windows, and nothing that moves.
 SETTINGS = """
 [core]
@@ -54,8 +54,8 @@ def find(part, whole):
     return None
 
 
-TITLE = (550, 71)  # of the compositor's window
-CORNER = ("1048", "830")  # its last pixels
+SIZE = (1200, 1150)  # of the compositor's window
+BESIDE = (SIZE[0] + 8, 0)  # on the X server's screen
 # Of the alert's left edge.
 STRIPE = Picture(bytes((184, 184, 184, 255)) * 30 * 20, 30, 20)
 
@@ -64,44 +64,53 @@ STRIPE = Picture(bytes((184, 184, 184, 255)) * 30 * 20, 30, 20)
 class Wayland(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.display = Display()
+        # Without a window manager, so that nothing comes between the compositor and its input.
+        cls.display = Display((SIZE[0] + 16, SIZE[1]), manager=False)
         cls.addClassCleanup(cls.display.close)
-        cls.folder = os.path.join(cls.display.home, "shown")
+        cls.folder = os.path.join(cls.display.folder, "shown")
         os.makedirs(os.path.join(cls.folder, "sub folder"))
-        cls.on_x11 = {scale: cls.picture_on_x11(scale) for scale in ("1", "1.5")}
+        cls.look_at_x11()
 
     @classmethod
-    def picture_on_x11(cls, scale):
-        """What the program shows on the X server itself."""
-        korva = Program(cls.display, [KORVA, cls.folder], env={"QT_SCALE_FACTOR": scale})
+    def look_at_x11(cls):
+        """What the program shows on an X server, by scale and size."""
+        cls.on_x11 = {}
+        display = Display(SIZE)
         try:
-            return korva.steady_picture()
+            for scale in ("1", "1.5", "2"):
+                korva = Program(display, [KORVA, cls.folder], env={"QT_SCALE_FACTOR": scale})
+                try:
+                    cls.on_x11[scale] = korva.steady_picture()
+                    if scale == "1":
+                        korva.resize(*LARGER)
+                        korva.wait_for_size(*LARGER)
+                        cls.larger_on_x11 = korva.steady_picture()
+                finally:
+                    korva.end()
         finally:
-            korva.end()
+            display.close()
 
-    def setUp(self):
+    def start_compositor(self, scale=1):
         settings = os.path.join(self.display.folder, "weston.ini")
         with open(settings, "w") as file:
             file.write(SETTINGS)
+        width, height = (side // scale for side in SIZE)
         with open(os.path.join(self.display.folder, "weston.log"), "wb") as log:
             self.compositor = subprocess.Popen(
-                ["weston", "--backend=x11-backend.so", "--use-pixman", "--width=1000",
-                 "--height=750", "--socket=" + SOCKET, "--config=" + settings],
+                ["weston", "--backend=x11-backend.so", "--use-pixman", f"--width={width}",
+                 f"--height={height}", f"--scale={scale}", "--socket=" + SOCKET,
+                 "--config=" + settings],
                 env=self.display.env, stdin=subprocess.DEVNULL, stdout=log, stderr=log)
         self.addCleanup(self.lose_compositor)
         wait_until(lambda: "Weston" in self.display.ask("xwininfo", "-root", "-tree"),
                    "the compositor's window")
         wait_until(lambda: os.path.exists(os.path.join(self.display.folder, SOCKET)), "its socket")
-        wait_until(self.gives_compositor_the_keys, "the compositor's window active")
-        # Its pointer out of the way, since that is part of the pictures.
-        self.display.do("xdotool", "mousemove", *CORNER)
+        self.bring_pointer_in(SIZE[0] - 1, SIZE[1] - 1)
 
-    def gives_compositor_the_keys(self):
-        """Not every window that opens gets them: with a click on its title."""
-        self.display.click(*TITLE)
-        active = self.display.ask("xprop", "-root", "_NET_ACTIVE_WINDOW").rpartition(" ")[2].strip()
-        # Asked for no window, it would wait for a click on one.
-        return active != "0x0" and "Weston" in self.display.ask("xwininfo", "-id", active)
+    def bring_pointer_in(self, x, y):
+        """From outside: until it has seen the pointer come in the compositor knows of none."""
+        self.display.do("xdotool", "mousemove", *map(str, BESIDE))
+        self.display.do("xdotool", "mousemove", str(x), str(y))
 
     def lose_compositor(self):
         self.compositor.kill()
@@ -130,6 +139,7 @@ class Wayland(unittest.TestCase):
 
     def start_and_find(self, scale="1", **env):
         """The program that shows what it shows on X11, and where its window's content is."""
+        self.start_compositor()
         korva = self.start(QT_SCALE_FACTOR=scale, **env)
         return korva, self.wait_for(self.on_x11[scale], "the picture that X11 shows", korva)
 
@@ -140,6 +150,21 @@ class Wayland(unittest.TestCase):
             with contextlib.suppress(AssertionError):
                 return wait_until(condition, what, 0.5)
         wait_until(answers, what)
+
+    def point_at(self, x, y):
+        """Returns when the compositor shows its pointer there."""
+        before = self.display.picture().part(x, y, x + 8, y + 8)
+
+        def is_there():
+            self.bring_pointer_in(x, y)
+            with contextlib.suppress(AssertionError):
+                return wait_until(lambda: self.display.picture().part(
+                    x, y, x + 8, y + 8) != before, "the pointer", 0.5)
+        try:
+            wait_until(is_there, "the pointer")
+        except AssertionError:
+            self.display.picture().save_failure()
+            raise
 
     def test_shows_what_it_shows_on_x11_and_ends_with_its_window(self):
         korva, _ = self.start_and_find()
@@ -154,18 +179,25 @@ class Wayland(unittest.TestCase):
     def test_shows_the_same_at_a_scale_of_one_and_a_half(self):
         self.start_and_find("1.5")
 
-    def point_at(self, x, y):
-        """Returns when the compositor shows its pointer there."""
-        before = self.display.picture().part(x, y, x + 8, y + 8)
+    def test_shows_the_same_on_a_screen_of_twice_as_many_pixels(self):
+        # Below the text, which Qt fits to the pixels when the screen and not the user scales.
+        whole = self.on_x11["2"]
+        part = whole.part(0, 120, whole.width - 1, whole.height - 1)
+        self.start_compositor(scale=2)
+        self.wait_for(part, "the picture that X11 shows", self.start())
 
-        def is_there():
-            # From outside: it has to see the pointer come in.
-            self.display.put_pointer_away()
-            self.display.do("xdotool", "mousemove", str(x), str(y))
-            with contextlib.suppress(AssertionError):
-                return wait_until(lambda: self.display.picture().part(
-                    x, y, x + 8, y + 8) != before, "the pointer", 0.5)
-        wait_until(is_there, "the pointer")
+    def test_follows_a_resize(self):
+        korva, (x, y) = self.start_and_find()
+        # With this key held the right button drags the nearest corner, wherever it is pressed.
+        left, top = x + FRAME[2] - 20, y + FRAME[3] - 20
+        self.point_at(left, top)
+        self.display.do("xdotool", "keydown", "super", "mousedown", "3")
+        for part in (1, 2, 3):
+            self.display.do("xdotool", "mousemove", str(left + (LARGER[0] - FRAME[2]) * part // 3),
+                            str(top + (LARGER[1] - FRAME[3]) * part // 3))
+        self.display.do("xdotool", "mouseup", "3", "keyup", "super")
+        self.bring_pointer_in(SIZE[0] - 1, SIZE[1] - 1)
+        self.wait_for(self.larger_on_x11, "the larger picture", korva)
 
     def test_takes_the_pointer(self):
         _, (x, y) = self.start_and_find()
@@ -176,11 +208,16 @@ class Wayland(unittest.TestCase):
             left, top, left + 120, top + 11).colours(), "the row selected")
 
     def test_the_alert_is_answered_by_a_key(self):
+        self.start_compositor()
         korva = self.start(ABOUT)
-        x, y = self.wait_for(STRIPE, "the alert", korva)
-        # It may have opened before the window did, which then has the keys.
-        self.point_at(x + 5, y + 5)
-        self.display.do("xdotool", "click", "1")
+        self.wait_for(STRIPE, "the alert", korva)
+        # The window behind takes no input, and gives the keys back when it is clicked.
+        window = self.on_x11["1"]
+        corner = window.part(0, window.height - 40, 60, window.height - 1)
+        x, y = self.wait_for(corner, "the window's corner", korva)
+        self.display.do("xdotool", "mousemove", str(x + 30), str(y + 20), "click", "1")
+        self.bring_pointer_in(SIZE[0] - 1, SIZE[1] - 1)
+        self.wait_for(STRIPE, "the alert", korva)
         self.press_until("Return", lambda: not find(STRIPE, self.display.picture()), "no alert")
         self.assertIsNone(korva.process.poll())
 

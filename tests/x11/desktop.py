@@ -87,9 +87,13 @@ class Picture:
 
 
 class Display:
-    """An X server with a window manager, both with a home folder of their own."""
+    """An X server with a window manager, both with a home folder of their own.
 
-    def __init__(self):
+    Without one the keys go to whatever window is under the pointer.
+    """
+
+    def __init__(self, size=None, manager=True):
+        self.size = size or SCREEN
         self._closing = contextlib.ExitStack()
         with contextlib.ExitStack() as stack:
             self.folder = tempfile.mkdtemp(prefix="korva-x11-")
@@ -105,11 +109,8 @@ class Display:
             for variable in ("ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "KIT_DEBUG"):
                 if variable in os.environ:
                     self.env[variable] = os.environ[variable]
-            manager = self._start(["openbox", "--sm-disable"], stack, env=self.env,
-                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-            wait_until(lambda: "window id" in self.ask("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
-                       "a window manager")
-            assert manager.poll() is None
+            if manager:
+                self._start_manager(stack)
             self.put_pointer_away()
             self._closing = stack.pop_all()
 
@@ -123,11 +124,18 @@ class Display:
         stack.callback(end)
         return process
 
+    def _start_manager(self, stack):
+        manager = self._start(["openbox", "--sm-disable"], stack, env=self.env,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        wait_until(lambda: "window id" in self.ask("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
+                   "a window manager")
+        assert manager.poll() is None
+
     def _start_server(self, stack):
         read, write = os.pipe()
         with open(os.path.join(self.folder, "server.log"), "wb") as log, os.fdopen(read) as answer:
             server = self._start(
-                ["Xvfb", "-displayfd", str(write), "-screen", "0", "%dx%dx24" % SCREEN, "-nolisten",
+                ["Xvfb", "-displayfd", str(write), "-screen", "0", "%dx%dx24" % self.size, "-nolisten",
                  "tcp", "-noreset", "-fbdir", self.folder],
                 stack, pass_fds=[write], stdout=log, stderr=log)
             os.close(write)
@@ -164,7 +172,7 @@ class Display:
 
     def put_pointer_away(self):
         """Else it is part of the pictures."""
-        self.do("xdotool", "mousemove", str(SCREEN[0] - 1), str(SCREEN[1] - 1))
+        self.do("xdotool", "mousemove", str(self.size[0] - 1), str(self.size[1] - 1))
 
     def press(self, *keys):
         self.do("xdotool", "key", *keys)

@@ -380,3 +380,36 @@ TEST(CanvasPicture, CopiesBlendsAndScales)
 	large.DrawPicture(Picture(), {0, 0, 5, 5}, {0, 0, 5, 5}, B_OP_COPY);
 	EXPECT_EQ(InkBounds(large), (PixelRect{2, 2, 5, 5}));
 }
+
+TEST(CanvasPicture, AFinerScreenIsGivenFinerPixels)
+{
+	const std::vector<uint32> coarse(4, 0xff000000);
+	Picture picture(2, 2, coarse.data(), 8);
+	std::vector<std::pair<int32, int32>> asked;
+	picture.SetMaker([&asked](int32 width, int32 height) {
+		asked.emplace_back(width, height);
+		std::vector<uint32> pixels(size_t(width * height), 0xffff0000);
+		pixels[0] = 0xff000000; // only the first pixel is black
+		return height < 12 ? Picture(width, height, pixels.data(), size_t(width) * 4) : Picture();
+	});
+	const Picture copy = picture;
+	Canvas plain(2, 2, 1), fine(2, 2, 1.5), finer(4, 4, 2);
+	for (int i = 0; i < 2; i++) {
+		plain.DrawPicture(copy, {0, 0, 1, 1}, {0, 0, 1, 1}, B_OP_COPY);
+		fine.DrawPicture(copy, {0, 0, 1, 1}, {0, 0, 1, 1}, B_OP_COPY);
+		finer.DrawPicture(copy, {0, 0, 1, 1}, {0, 0, 1, 1}, B_OP_COPY);
+	}
+	EXPECT_EQ(Letters(plain), "\n##\n##");
+	EXPECT_EQ(Letters(fine), "\n#rr\nrrr\nrrr");
+	// Each size is made once, also when screens take turns.
+	EXPECT_EQ(asked, (std::vector<std::pair<int32, int32>>{{3, 3}, {4, 4}}));
+	// A part is one of the finer picture.
+	finer.DrawPicture(copy, {0, 0, 0, 1}, {2, 2, 2, 3}, B_OP_COPY);
+	finer.DrawPicture(copy, {1, 0, 1, 1}, {3, 2, 3, 3}, B_OP_COPY);
+	EXPECT_EQ(Letters(finer),
+		"\n#rrr....\nrrrr....\nrrrr....\nrrrr....\n....#rrr\n....rrrr\n....rrrr\n....rrrr");
+	// Where none is made the picture itself is enlarged.
+	Canvas finest(2, 2, 6);
+	finest.DrawPicture(copy, {0, 0, 1, 1}, {0, 0, 1, 1}, B_OP_COPY);
+	EXPECT_EQ(Letters(finest).find('r'), std::string::npos);
+}

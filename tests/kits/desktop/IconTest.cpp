@@ -47,7 +47,7 @@ Theme(const std::string& inherits, const std::string& folders)
 QColor
 Found(const IconTheme& theme, const std::vector<std::string>& names, int32 size = 16)
 {
-	const QImage image = theme.Load(names, size);
+	const QImage image = theme.Load(names, size, size);
 	if (image.isNull())
 		return {};
 	EXPECT_EQ(image.size(), QSize(size, size));
@@ -82,20 +82,44 @@ TEST(IconTheme, TheNearestSizeIsTaken)
 		{"own/48/a.png", Png(48, 48, Qt::blue)}, {"own/22/b.png", Png(22, 22, Qt::green)},
 		{"own/48/b.png", Png(48, 48, Qt::blue)}, {"own/all/c.png", Png(64, 64, Qt::cyan)},
 		{"own/48/c.png", Png(48, 48, Qt::blue)}, {"own/16@2/d.png", Png(32, 32, Qt::red)},
-		{"own/devices/d.png", Png(16, 16, Qt::red)}, {"own/48/wide.png", Png(48, 12, Qt::blue)}};
+		{"own/devices/e.png", Png(16, 16, Qt::red)}, {"own/48/wide.png", Png(48, 12, Qt::blue)}};
 	const IconTheme theme({tree.Path()}, "own");
 	EXPECT_EQ(Found(theme, {"a"}), QColor(Qt::red));
 	EXPECT_EQ(Found(theme, {"a"}, 32), QColor(Qt::green));
 	EXPECT_EQ(Found(theme, {"b"}), QColor(Qt::green));
 	EXPECT_EQ(Found(theme, {"b"}, 40), QColor(Qt::blue));
 	EXPECT_EQ(Found(theme, {"c"}, 32), QColor(Qt::cyan));
-	// Neither pictures for other screens nor those of other things.
-	EXPECT_EQ(Found(theme, {"d"}), QColor());
+	// Pictures for finer screens rather than none, but not those of other things.
+	EXPECT_EQ(Found(theme, {"d"}), QColor(Qt::red));
+	EXPECT_FALSE(theme.Has("e"));
+	EXPECT_EQ(Found(theme, {"e"}), QColor());
 	// Scaled to fit, in the middle.
-	const QImage wide = theme.Load({"wide"}, 16);
+	const QImage wide = theme.Load({"wide"}, 16, 16);
 	EXPECT_EQ(wide.size(), QSize(16, 16));
 	EXPECT_EQ(qAlpha(wide.pixel(8, 2)), 0);
 	EXPECT_EQ(wide.pixelColor(8, 8), QColor(Qt::blue));
+}
+
+TEST(IconTheme, AFinerScreenTakesWhatWasDrawnForIt)
+{
+	const std::string folders = "[Icon Theme]\nDirectories=16,32,24,16@2\n"
+								"[16]\nSize=16\nType=Fixed\n[32]\nSize=32\nType=Fixed\n"
+								"[24]\nSize=24\nType=Fixed\n"
+								"[16@2]\nSize=16\nScale=2\nType=Fixed\n";
+	TempTree tree{{"own/index.theme", Text(folders)}, {"own/16/a.png", Png(16, 16, Qt::red)},
+		{"own/32/a.png", Png(32, 32, Qt::green)}, {"own/24/a.png", Png(24, 24, Qt::cyan)},
+		{"own/16@2/a.png", Png(32, 32, Qt::blue)}, {"own/32/b.png", Png(32, 32, Qt::green)}};
+	const IconTheme theme({tree.Path()}, "own");
+	auto colour = [&](const char* name, int32 size, int32 pixels) {
+		const QImage image = theme.Load({name}, size, pixels);
+		EXPECT_EQ(image.size(), QSize(pixels, pixels));
+		return image.pixelColor(pixels / 2, pixels / 2);
+	};
+	EXPECT_EQ(colour("a", 16, 16), QColor(Qt::red));
+	EXPECT_EQ(colour("a", 16, 32), QColor(Qt::blue));
+	EXPECT_EQ(colour("a", 32, 32), QColor(Qt::green));
+	EXPECT_EQ(colour("a", 16, 24), QColor(Qt::cyan));
+	EXPECT_EQ(colour("b", 16, 32), QColor(Qt::green));
 }
 
 TEST(IconTheme, OwnPicturesComeBeforeInheritedOnes)

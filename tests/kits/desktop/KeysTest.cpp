@@ -70,6 +70,22 @@ TEST_F(WindowTest, ModifierKeysAreToldApartAndSendNoKey)
 	EXPECT_EQ(fClient.Take(), "modifiers 0; inactive");
 }
 
+TEST_F(WindowTest, TheMenuKeyIsHeldAndScrollLockSwitches)
+{
+	fUser.ModifierKey(B_MENU_KEY, true);
+	EXPECT_EQ(fClient.Take(), "modifiers 80");
+	fUser.ModifierKey(B_MENU_KEY, false);
+	EXPECT_EQ(fClient.Take(), "modifiers 0");
+	fUser.ModifierKey(B_SCROLL_LOCK, true);
+	fUser.ModifierKey(B_SCROLL_LOCK, false);
+	EXPECT_EQ(fClient.Take(), "modifiers 10");
+	fUser.Key("k");
+	EXPECT_EQ(fClient.LastKey().modifiers, uint32(B_SCROLL_LOCK));
+	fClient.Take();
+	fUser.ModifierKey(B_SCROLL_LOCK, true);
+	EXPECT_EQ(fClient.Take(), "modifiers 0");
+}
+
 TEST_F(WindowTest, ComposedTextArrivesAsAKeyWhereItIsWanted)
 {
 	EXPECT_FALSE(fUser.Compose("\xc3\xa9"));

@@ -428,3 +428,74 @@ TEST(ListView, KeysScrollTheirRowIntoView)
 	window.Under([&] { list->MakeEmpty(); });
 	EXPECT_EQ(window.Under([&] { return list->Bounds().top; }), 0);
 }
+
+namespace {
+
+// Edges of two colours around a face that tells of the selection.
+class EdgedRow : public BListItem {
+public:
+	void DrawItem(BView* owner, BRect rect, bool) override
+	{
+		owner->SetHighColor(IsSelected() ? rgb_color{255, 255, 0} : rgb_color{0, 255, 255});
+		owner->FillRect(rect);
+		owner->SetHighColor(255, 0, 0);
+		owner->StrokeLine(rect.LeftTop(), rect.RightTop());
+		owner->SetHighColor(0, 0, 255);
+		owner->StrokeLine(rect.LeftBottom(), rect.RightBottom());
+	}
+	void Update(BView*, const BFont*) override { SetHeight(18); }
+};
+
+// Whether a column of pixels shows whole rows of 19 pixels.
+testing::AssertionResult
+ShowsWholeRows(const InjectedUser::Picture& picture)
+{
+	int32 first = 0;
+	while (first < 19 && picture.At(5, first) != 0xffff0000)
+		first++;
+	for (int32 y = first; y < picture.height; y++) {
+		const int32 inRow = (y - first) % 19;
+		const uint32 pixel = picture.At(5, y);
+		const bool face = pixel == 0xff00ffff || pixel == 0xffffff00;
+		if (inRow == 0 ? pixel != 0xffff0000 : inRow == 18 ? pixel != 0xff0000ff : !face)
+			return testing::AssertionFailure() << "line " << inRow << " of a row at " << y;
+	}
+	return testing::AssertionSuccess();
+}
+
+} // namespace
+
+TEST(ListView, RowsBeyondTheLastExactFloatLieWithoutGapOrOverlap)
+{
+	constexpr int32 kRows = 1000100;
+	std::vector<EdgedRow> rows(kRows);
+	BList items(kRows);
+	for (EdgedRow& row : rows)
+		items.AddItem(&row);
+	auto* list = new BListView(BRect(0, 0, 99, 199), "list", B_MULTIPLE_SELECTION_LIST);
+	BScrollView* scroll =
+		new BScrollView("scroll", list, B_FOLLOW_NONE, 0, false, true, B_NO_BORDER);
+	list->AddList(&items);
+	Shown window(114, 200);
+	window->AddChild(scroll);
+	window->ShowAndSettle();
+	const int64 far = 19000000;
+	for (int64 y : {far, far + 2, far + 40, far + 38, far + 98, far + 602, far - 1400}) {
+		window->Do([&] { list->ScrollTo(0, static_cast<float>(y)); });
+		EXPECT_TRUE(ShowsWholeRows(window->Snapshot())) << "at " << y;
+	}
+	for (int32 i = 0; i < 3; i++) {
+		window->Do([&] { list->ScrollBy(0, 19); });
+		EXPECT_TRUE(ShowsWholeRows(window->Snapshot())) << "step " << i;
+	}
+	// A row that changes is repainted with its edges, and no other is.
+	window->Do([&] {
+		const int32 row = list->IndexOf(BPoint(5, list->Bounds().top + 60));
+		list->Select(row);
+		list->Select(row + 1, row + 2, true);
+		list->Deselect(row + 1);
+	});
+	const InjectedUser::Picture picture = window->Snapshot();
+	EXPECT_TRUE(ShowsWholeRows(picture));
+	EXPECT_EQ(std::count(picture.pixels.begin(), picture.pixels.end(), 0xffffff00), 2 * 17 * 100);
+}

@@ -159,7 +159,32 @@ TEST(ScaledPicture, ScrollingAndResizingLeaveWhatAFullRepaintDraws)
 	}
 }
 
-TEST(Look, ArrowsStandInTheMiddleOfTheirBoxes)
+TEST(Window, AScreenThatChangesItsScaleGetsAFullPicture)
+{
+	Shown window(120, 90);
+	window->AddChild(new Rows(BRect(0, 0, 119, 89)));
+	window->ShowAndSettle();
+	InjectedUser user = window->User();
+	const InjectedUser::Picture before = user.Snapshot();
+	user.Rescale(2);
+	EXPECT_TRUE(WaitUntil([&] { return user.Snapshot().width == 240; }));
+	window->Settle();
+	const InjectedUser::Picture fine = user.Snapshot();
+	EXPECT_EQ(180, fine.height);
+	for (int32 x = 0; x < 240; x++)
+		EXPECT_EQ(before.At(x / 2, 12), fine.At(x, 25)) << x; // the first row's line
+	window->Do([&] {
+		EXPECT_EQ(window->Bounds(), BRect(0, 0, 119, 89));
+		window->ChildAt(0)->Invalidate();
+	});
+	EXPECT_EQ(fine.pixels, user.Snapshot().pixels);
+	user.Rescale(1);
+	EXPECT_TRUE(WaitUntil([&] { return user.Snapshot().width == 120; }));
+	window->Settle();
+	EXPECT_EQ(before.pixels, user.Snapshot().pixels);
+}
+
+TEST(ScaledPicture, ArrowsAreEvenTrianglesInTheMiddleOfTheirBoxes)
 {
 	using BPrivate::ArrowDirection;
 	constexpr int32 kBox = 14;
@@ -172,16 +197,35 @@ TEST(Look, ArrowsStandInTheMiddleOfTheirBoxes)
 		window->Do([&] { BPrivate::DrawArrow(view, view->Bounds(), direction, {0, 0, 0, 255}); });
 		const InjectedUser::Picture picture = window->Snapshot();
 		const bool upright = direction == ArrowDirection::kUp || direction == ArrowDirection::kDown;
-		int ink = 0;
-		for (int32 y = 0; y < picture.height; y++) {
-			for (int32 x = 0; x < picture.width; x++) {
-				const int32 otherX = upright ? picture.width - 1 - x : x;
-				const int32 otherY = upright ? y : picture.height - 1 - y;
-				EXPECT_EQ(picture.At(x, y), picture.At(otherX, otherY)) << x << "," << y;
-				ink += picture.At(x, y) == kBlack;
+		const bool pointFirst =
+			direction == ArrowDirection::kUp || direction == ArrowDirection::kLeft;
+		// From the point to the base.
+		std::vector<int32> widths;
+		const int32 side = picture.width;
+		for (int32 i = 0; i < side; i++) {
+			const int32 along = pointFirst ? i : side - 1 - i;
+			int32 first = side, last = -1, ink = 0;
+			for (int32 across = 0; across < side; across++) {
+				const uint32 pixel =
+					upright ? picture.At(across, along) : picture.At(along, across);
+				if (pixel == 0xffffffff)
+					continue;
+				ASSERT_EQ(kBlack, pixel); // no blends
+				first = std::min(first, across);
+				last = std::max(last, across);
+				ink++;
 			}
+			if (ink == 0)
+				continue;
+			EXPECT_EQ(ink, last - first + 1);
+			EXPECT_LE(std::abs(first - (side - 1 - last)), 1);
+			widths.push_back(ink);
 		}
-		EXPECT_GT(ink, 15);
+		// One step for each device pixel, not one for each logical one.
+		ASSERT_EQ(Edge(9) - Edge(5), static_cast<int32>(widths.size()));
+		for (size_t i = 1; i < widths.size(); i++)
+			EXPECT_GT(widths[i], widths[i - 1]);
+		EXPECT_EQ(Edge(11) - Edge(3), widths.back());
 	}
 }
 
@@ -217,4 +261,63 @@ TEST(ScaledPicture, MenusHaveEvenRowsAndEdges)
 	EXPECT_TRUE(WaitUntil(
 		[&] { return user.Snapshot().At(Edge(right / 2), Edge(top(2) + 5)) == kChosen; }));
 	expected.Compare(user.Snapshot());
+}
+
+// From left or top to right or bottom, in logical pixels.
+static void
+ExpectEdges(const InjectedUser::Picture& picture, int32 x, int32 y, int32 dx, int32 dy,
+	const std::vector<uint8>& greys)
+{
+	for (uint8 grey : greys) {
+		EXPECT_EQ(0xff000000 | grey * 0x010101u, picture.At(Edge(x), Edge(y))) << x << "," << y;
+		x += dx;
+		y += dy;
+	}
+}
+
+TEST(ScaledPicture, BevelsHaveTheirGreysOnAllSides)
+{
+	Shown window(30, 90);
+	BView* view = new BView(BRect(0, 0, 29, 89), nullptr, B_FOLLOW_ALL, 0);
+	window->AddChild(view);
+	window->ShowAndSettle();
+	window->Do([&] {
+		BPrivate::DrawRaised(view, BRect(5, 5, 24, 24), BPrivate::kPanelColor);
+		BPrivate::DrawPressed(view, BRect(5, 35, 24, 54), BPrivate::kPanelColor);
+		BPrivate::DrawSunken(view, BRect(5, 65, 24, 84));
+	});
+	const InjectedUser::Picture picture = window->Snapshot();
+	ExpectEdges(picture, 4, 15, 1, 0, {255, 255, 232, 216, 216});
+	ExpectEdges(picture, 15, 4, 0, 1, {255, 255, 232, 216, 216});
+	ExpectEdges(picture, 25, 15, -1, 0, {255, 108, 152, 216, 216});
+	ExpectEdges(picture, 15, 25, 0, -1, {255, 108, 152, 216, 216});
+	ExpectEdges(picture, 4, 45, 1, 0, {255, 108, 152, 216, 216});
+	ExpectEdges(picture, 15, 55, 0, -1, {255, 255, 232, 216, 216});
+	ExpectEdges(picture, 4, 75, 1, 0, {255, 152, 108, 255, 255});
+	ExpectEdges(picture, 15, 64, 0, 1, {255, 152, 108, 255, 255});
+	ExpectEdges(picture, 25, 75, -1, 0, {255, 255, 216, 255, 255});
+}
+
+TEST(ScaledPicture, ScrollBarsShowThumbTroughAndArrows)
+{
+	Shown window(40, 120);
+	BScrollBar* bar = new BScrollBar(BRect(10, 10, 23, 109), nullptr, nullptr, 0, 100, B_VERTICAL);
+	window->AddChild(bar);
+	bar->SetProportion(0.25f);
+	bar->SetValue(50);
+	window->ShowAndSettle();
+	// Arrows of 14 pixels leave a trough of 72, whose quarter stands in its middle.
+	InjectedUser::Picture picture = window->Snapshot();
+	ExpectEdges(picture, 10, 30, 1, 0, {152, 108, 192, 192});
+	ExpectEdges(picture, 23, 30, -1, 0, {255, 216, 192, 192});
+	ExpectEdges(picture, 12, 22, 0, 1, {152, 108, 152, 108, 192});
+	ExpectEdges(picture, 12, 49, 0, 1, {192, 192, 255, 232, 216});
+	ExpectEdges(picture, 12, 69, 0, -1, {192, 108, 152, 216});
+	ExpectEdges(picture, 17, 109, 0, -1, {108, 152, 216});
+	EXPECT_EQ(0xff404040u, picture.At(Edge(17) - 1, Edge(18)));
+	// Without anything to scroll there is no thumb and nothing looks as if it could be pressed.
+	window->Do([&] { bar->SetRange(0, 0); });
+	picture = window->Snapshot();
+	ExpectEdges(picture, 10, 60, 1, 0, {152, 216, 216});
+	EXPECT_EQ(0xff989898u, picture.At(Edge(17) - 1, Edge(18)));
 }

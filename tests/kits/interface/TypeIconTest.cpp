@@ -191,22 +191,57 @@ TEST(TypeIcon, ANodesOwnIconComesFirst)
 	EXPECT_EQ(memcmp(Pixels(bitmap), own.data(), own.size()), 0);
 }
 
-TEST(TypeIcon, AFineScreenShowsTheIconOfTwiceTheSize)
+TEST(TypeIcon, AFineScreenShowsAnIconOfAsManyPixels)
 {
 	BBitmap bitmap = Empty();
 	ASSERT_EQ(BMimeType("text/plain").GetIcon(&bitmap, B_MINI_ICON), B_OK);
-	const desktop::IconPixels twice = desktop::LoadTypeIcon("text/plain", B_LARGE_ICON);
-	desktop::Canvas canvas(16, 16, 2);
-	canvas.DrawPicture(bitmap.Picture(), {0, 0, 15, 15}, {0, 0, 15, 15}, B_OP_COPY);
-	int opaque = 0;
-	for (int32 i = 0; i < B_LARGE_ICON * B_LARGE_ICON; i++) {
-		const uint32 pixel = twice.pixels[static_cast<size_t>(i)];
-		if (pixel >> 24 != 255)
-			continue;
-		opaque++;
-		EXPECT_EQ(canvas.PixelAt(i % B_LARGE_ICON, i / B_LARGE_ICON), pixel);
+	for (double scale : {1.25, 1.5, 2.0, 3.0}) {
+		const int32 side = static_cast<int32>(16 * scale);
+		const desktop::IconPixels icon = desktop::LoadTypeIcon("text/plain", B_MINI_ICON, side);
+		ASSERT_EQ(icon.size, side);
+		desktop::Canvas canvas(16, 16, scale);
+		canvas.DrawPicture(bitmap.Picture(), {0, 0, 15, 15}, {0, 0, 15, 15}, B_OP_COPY);
+		int opaque = 0;
+		for (int32 i = 0; i < side * side; i++) {
+			const uint32 pixel = icon.pixels[static_cast<size_t>(i)];
+			if (pixel >> 24 != 255)
+				continue;
+			opaque++;
+			EXPECT_EQ(canvas.PixelAt(i % side, i / side), pixel) << scale;
+		}
+		EXPECT_GT(opaque, 100);
 	}
-	EXPECT_GT(opaque, 100);
+}
+
+TEST(TypeIcon, ANodesPreferredApplicationComesBeforeItsType)
+{
+	// One that this machine's theme has an icon for.
+	const char* known = nullptr;
+	for (const char* name : {"application/x-executable", "x-office/document", "image/x-generic",
+			 "package/x-generic", "application/pdf"}) {
+		if (known == nullptr && desktop::HasOwnIcon(name))
+			known = name;
+	}
+	EXPECT_FALSE(desktop::HasOwnIcon("application/x-vnd.nobody-knows"));
+	if (known == nullptr)
+		GTEST_SKIP() << "no icon theme is installed";
+	TempTree tree{{"file.txt", Text()}};
+	const entry_ref ref = tree.Ref("file.txt");
+	auto prefer = [&](const std::string& signature) {
+		return setxattr(tree.Path("file.txt").c_str(), "user.BEOS:PREF_APP", signature.data(),
+				   signature.size(), 0) == 0;
+	};
+	if (!prefer("application/x-vnd.nobody-knows"))
+		GTEST_SKIP() << "no attributes on the file system of " << tree.Path();
+	EXPECT_EQ(IconOf(ref), IconOf("text/plain"));
+	ASSERT_TRUE(prefer(known));
+	const void* preferred = IconOf(ref);
+	EXPECT_NE(preferred, IconOf("text/plain"));
+	if (BMimeType(known).IsInstalled()) {
+		EXPECT_EQ(preferred, IconOf(known));
+	}
+	ASSERT_TRUE(prefer("no type's name"));
+	EXPECT_EQ(IconOf(ref), IconOf("text/plain"));
 }
 
 TEST(TypeIcon, ThreadsGetTheSameBitmap)

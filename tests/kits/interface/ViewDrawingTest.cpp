@@ -154,6 +154,50 @@ TEST(Drawing, TheOwnClipReplacesTheLastAndEndsWithDraw)
 	EXPECT_EQ(140, Count(window->Snapshot(), kBlack));
 }
 
+TEST(Drawing, APoppedStateIsTheOneThatWasPushed)
+{
+	Shown window(60, 40);
+	DrawnView* view = new DrawnView(BRect(0, 0, 59, 39), [](BView* self, BRect) {
+		BFont small;
+		small.SetSize(6);
+		BRegion left(BRect(0, 0, 9, 39)), right(BRect(50, 0, 59, 39));
+		self->SetHighColor(255, 0, 0);
+		self->MovePenTo(3, 4);
+		self->ConstrainClippingRegion(&left);
+		self->PushState();
+		self->SetHighColor(0, 0, 255);
+		self->SetLowColor(0, 255, 0);
+		self->SetDrawingMode(B_OP_OVER);
+		self->SetPenSize(3);
+		self->SetFont(&small);
+		self->MovePenTo(30, 30);
+		self->ConstrainClippingRegion(&right);
+		self->PushState();
+		self->ConstrainClippingRegion(nullptr);
+		self->PopState();
+		self->FillRect(self->Bounds()); // blue, at the right
+		self->PopState();
+		self->FillRect(BRect(0, 0, 59, 19)); // red, at the left
+		self->PopState();                    // one too many
+	});
+	window->AddChild(view);
+	window->ShowAndSettle();
+	const InjectedUser::Picture picture = window->Snapshot();
+	EXPECT_EQ(400, Count(picture, kBlue));
+	EXPECT_EQ(200, Count(picture, kRed));
+	EXPECT_EQ(kBlue, picture.At(59, 39));
+	EXPECT_EQ(kRed, picture.At(9, 19));
+	window->Do([&] {
+		BFont font;
+		view->GetFont(&font);
+		EXPECT_EQ(font.Size(), be_plain_font->Size());
+		EXPECT_EQ(view->LowColor(), (rgb_color{255, 255, 255, 255}));
+		EXPECT_EQ(view->DrawingMode(), B_OP_COPY);
+		EXPECT_EQ(view->PenSize(), 1);
+		EXPECT_EQ(view->PenLocation(), BPoint(3, 4));
+	});
+}
+
 TEST(Drawing, EveryViewIsErasedInItsColourUnlessTransparent)
 {
 	Shown window(40, 20);
