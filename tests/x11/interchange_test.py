@@ -18,6 +18,7 @@ DRAG = os.environ.get("KORVA_DRAG", os.path.join(
 # Debian's own Python: another one does not have Debian's modules.
 PYTHON = "/usr/bin/python3"
 GTK = [PYTHON, "-B", os.path.join(os.path.dirname(os.path.abspath(__file__)), "gtk_peer.py")]
+GROUND = (90, 160, 90)  # of the program's window
 COPIED = "x-special/gnome-copied-files"
 
 HAS_GTK = subprocess.run(
@@ -181,7 +182,7 @@ class Interchange(X11Test):
 
     def test_window_lives_while_the_owner_of_the_clipboard_hangs(self):
         peer = self.open("one", 100)
-        picture = peer.steady_picture()
+        picture = peer.wait_for_picture(lambda now: now.colours() == {GROUND}, "a painted window")
         left, top, *_ = peer.frame()
         held = self.xclip("text/uri-list", self.uri + "plain\r\n")
         held.send_signal(signal.SIGSTOP)
