@@ -154,7 +154,7 @@ Measure(Dragger& view)
 } // namespace
 
 int
-main()
+main(int, char**)
 {
 	std::string folder = std::filesystem::temp_directory_path() / "bench-drag-XXXXXX";
 	if (mkdtemp(folder.data()) == nullptr)

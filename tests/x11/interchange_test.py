@@ -182,6 +182,7 @@ class Interchange(X11Test):
 
     def test_window_lives_while_the_owner_of_the_clipboard_hangs(self):
         peer = self.open("one", 100)
+        self.display.put_pointer_away()
         picture = peer.wait_for_picture(lambda now: now.colours() == {GROUND}, "a painted window")
         left, top, *_ = peer.frame()
         held = self.xclip("text/uri-list", self.uri + "plain\r\n")
