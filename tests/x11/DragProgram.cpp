@@ -94,13 +94,16 @@ public:
 		message.AddInt32("buttons", buttons);
 		message.AddInt8("Pane", 'I');
 		Say("press");
+		SetMouseEventMask(B_POINTER_EVENTS); // a release elsewhere, too
 		DragMessage(&message, BRect(50, 50, 150, 70));
 	}
 	void MouseUp(BPoint) override { Say("release"); }
 	void MouseMoved(BPoint, uint32 transit, const BMessage* drag) override
 	{
-		if (drag != nullptr && transit != B_INSIDE_VIEW)
-			Say(transit == B_ENTERED_VIEW ? "enter " + Described(*drag) : "exit");
+		const bool over = drag != nullptr && transit != B_EXITED_VIEW && transit != B_OUTSIDE_VIEW;
+		if (over != fDraggedOver)
+			Say(over ? "enter " + Described(*drag) : "exit");
+		fDraggedOver = over;
 	}
 	void KeyDown(const char* bytes, int32) override
 	{
@@ -150,6 +153,8 @@ private:
 			(be_clipboard->Data()->IsEmpty() ? "nothing" : Described(*be_clipboard->Data())));
 		be_clipboard->Unlock();
 	}
+
+	bool fDraggedOver = false;
 };
 
 class Frame : public BWindow {
