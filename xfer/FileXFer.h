@@ -8,13 +8,15 @@
 #pragma once
 
 #include "xfer/FileXFerData.h"
+#include "xfer/RefDragMessage.h"
 
-#include <storage/EntryRef.h>
+#include <interface/Point.h>
 
 class BDirectory;
 class BEntry;
 class BHandler;
 class BPath;
+class BView;
 
 namespace NFileXFer {
 
@@ -24,6 +26,16 @@ enum ETransferType {
 	eLink,
 	eCancel,
 };
+
+// Does with one entry what a drop, a paste ('PSTE') or a wish for a link ('ILnk') means: as the
+// clipboard says, else as the buttons of the drag and the keys held by now say, or the user. The
+// view's window is told of the end of a copy. False when nothing was begun.
+// The view's thread; it waits while the menu is open.
+bool HandleFileMessage(
+	const BMessage* message, const entry_ref* entry, const entry_ref* folder, const BView* view);
+
+// Asks at a point of the screen what to do; eCancel without an answer.
+ETransferType FileTransferMenu(const BPoint& where);
 
 // Copies, moves or links an entry into a folder. In its own folder a copy or link gets a name that
 // is free, and a move does nothing: false. The handler hears of the end of a copy by 'CpDn'.
@@ -39,6 +51,10 @@ bool MoveFile_(BEntry* entry, BDirectory* folder);
 
 // A link itself, not what it points to; folders go only into the trash or when they are empty.
 bool DeleteFile(const entry_ref* ref, bool toTrash);
+
+// Puts an entry on the clipboard in place of what is there: to be copied for B_COPY, else to be
+// moved by the next paste. True, also when there is no clipboard.
+bool CutCopy(int32 command, const entry_ref* ref);
 
 // Copies the data and attributes of a regular file, in the calling thread. A target that is there
 // is overwritten in place, but not before the source is known to be readable and another file;

@@ -2,6 +2,7 @@
 
 #include "xfer/Transfers.h"
 
+#include <algorithm>
 #include <deque>
 #include <list>
 #include <memory>
@@ -12,32 +13,46 @@ namespace NFileXFer {
 
 namespace {
 
-constexpr int32 kMostRunning = 8;
+constexpr int32 kQuickAtOnce = 8;
+constexpr int32 kMostAtOnce = 128;
+constexpr bigtime_t kPatience = 50000;
 
 struct Transfer {
 	thread_func function;
 	void* data;
 	std::string target;
 	thread_id thread = -1;
+	bigtime_t start = 0;
 };
 
 class Schedule {
 public:
-	// The transfers to resume come back; null when none may start now.
-	Transfer* Add(Transfer* transfer);
-	Transfer* End(const Transfer& transfer);
-	Transfer* Leave(); // one that runs makes room
+	void Add(Transfer* transfer);
+	void End(const Transfer& transfer);
+	void Leave(); // one that runs makes room
 	void Return();
-
 	bool IsTarget(const std::string& path);
 
+	// Lets one more run when none has ended since the last call. False when none waits.
+	bool Relieve();
+
 private:
-	Transfer* NextOrNone();
+	// What is left to do without the lock.
+	struct Orders {
+		Transfer* start = nullptr;
+		bool watch = false;
+	};
+
+	Orders Next();
+	static void Carry(const Orders& orders);
 
 	std::mutex fLock;
 	int32 fRunning = 0;
+	int32 fLimit = kQuickAtOnce;
+	int32 fEnded = 0; // since the last look
+	bool fIsWatched = false;
 	std::deque<Transfer*> fReady; // suspended; each is freed by its own thread
-	std::unordered_map<std::string, std::list<Transfer*>> fTargets; // with those waiting for them
+	std::unordered_map<std::string, std::list<Transfer*>> fTargets; // and who waits for them
 };
 
 // Never destroyed: transfers may run while the process ends.
@@ -48,46 +63,57 @@ TheSchedule()
 	return *sSchedule;
 }
 
-Transfer*
+void
 Schedule::Add(Transfer* transfer)
 {
-	std::lock_guard lock(fLock);
-	if (!transfer->target.empty()) {
-		auto [target, isFree] = fTargets.try_emplace(transfer->target);
-		if (!isFree) {
-			target->second.push_back(transfer);
-			return nullptr;
+	Orders orders;
+	{
+		std::lock_guard lock(fLock);
+		if (!transfer->target.empty()) {
+			auto [target, isFree] = fTargets.try_emplace(transfer->target);
+			if (!isFree) {
+				target->second.push_back(transfer);
+				return;
+			}
 		}
-	}
-	if (fRunning >= kMostRunning) {
 		fReady.push_back(transfer);
-		return nullptr;
+		orders = Next();
 	}
-	fRunning++;
-	return transfer;
+	Carry(orders);
 }
 
-Transfer*
+void
 Schedule::End(const Transfer& transfer)
 {
-	std::lock_guard lock(fLock);
-	auto target = fTargets.find(transfer.target);
-	if (target != fTargets.end()) {
-		if (target->second.empty()) {
+	Orders orders;
+	{
+		std::lock_guard lock(fLock);
+		fEnded++;
+		fRunning--;
+		if (system_time() - transfer.start > kPatience)
+			fLimit = std::max(fLimit - 1, kQuickAtOnce);
+		auto target = fTargets.find(transfer.target);
+		if (target != fTargets.end() && target->second.empty()) {
 			fTargets.erase(target);
-		} else {
+		} else if (target != fTargets.end()) {
 			fReady.push_front(target->second.front());
 			target->second.pop_front();
 		}
+		orders = Next();
 	}
-	return NextOrNone();
+	Carry(orders);
 }
 
-Transfer*
+void
 Schedule::Leave()
 {
-	std::lock_guard lock(fLock);
-	return NextOrNone();
+	Orders orders;
+	{
+		std::lock_guard lock(fLock);
+		fRunning--;
+		orders = Next();
+	}
+	Carry(orders);
 }
 
 void
@@ -104,29 +130,61 @@ Schedule::IsTarget(const std::string& path)
 	return fTargets.contains(path);
 }
 
-// In the place of one that has run.
-Transfer*
-Schedule::NextOrNone()
+bool
+Schedule::Relieve()
 {
-	if (fReady.empty() || fRunning > kMostRunning) {
-		fRunning--;
-		return nullptr;
+	Orders orders;
+	{
+		std::lock_guard lock(fLock);
+		if (fReady.empty()) {
+			fIsWatched = false;
+			return false;
+		}
+		if (fEnded == 0)
+			fLimit = std::min(std::max(fLimit, fRunning) + 1, kMostAtOnce);
+		fEnded = 0;
+		orders = Next();
 	}
-	Transfer* next = fReady.front();
-	fReady.pop_front();
-	return next;
+	Carry(orders);
+	return true;
+}
+
+Schedule::Orders
+Schedule::Next()
+{
+	Orders orders;
+	if (!fReady.empty() && fRunning < fLimit) {
+		fRunning++;
+		orders.start = fReady.front();
+		orders.start->start = system_time();
+		fReady.pop_front();
+	}
+	orders.watch = !fReady.empty() && !fIsWatched;
+	fIsWatched = fIsWatched || orders.watch;
+	return orders;
+}
+
+int32
+Watch(void*)
+{
+	do
+		snooze(kPatience);
+	while (TheSchedule().Relieve());
+	return 0;
 }
 
 void
-Resume(const Transfer* transfer)
+Schedule::Carry(const Orders& orders)
 {
-	if (transfer != nullptr)
-		resume_thread(transfer->thread);
+	if (orders.start != nullptr)
+		resume_thread(orders.start->thread);
+	if (orders.watch)
+		resume_thread(spawn_thread(Watch, "transfers", B_NORMAL_PRIORITY, nullptr));
 }
 
 // Whatever way the transfer ends.
 struct Ending {
-	~Ending() { Resume(TheSchedule().End(*transfer)); }
+	~Ending() { TheSchedule().End(*transfer); }
 
 	std::unique_ptr<Transfer> transfer;
 };
@@ -147,8 +205,7 @@ StartTransfer(const char* name, thread_func function, void* data, std::string ta
 	transfer->thread = spawn_thread(Run, name, B_NORMAL_PRIORITY, transfer.get());
 	if (transfer->thread < 0)
 		return false;
-	// From here on it is the thread's.
-	Resume(TheSchedule().Add(transfer.release()));
+	TheSchedule().Add(transfer.release()); // the thread's from now on
 	return true;
 }
 
@@ -160,7 +217,7 @@ IsTransferTarget(const std::string& path)
 
 TransferPause::TransferPause()
 {
-	Resume(TheSchedule().Leave());
+	TheSchedule().Leave();
 }
 
 TransferPause::~TransferPause()

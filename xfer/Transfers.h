@@ -2,9 +2,10 @@
 
 // The threads that move and copy.
 //
-// There is one for each file, and all are made at once; but only some dozens run at a time, and
-// each that ends lets the next one start. Thousands at work would take gigabytes for their stacks
-// and buffers, and a window would wait behind all of them for the processor. One that waits for an
+// There is one for each file, and all are made at once; but only a few run at a time, and each that
+// ends lets the next one start. Thousands at work would take gigabytes for their stacks and
+// buffers, and a window would wait behind all of them for the processor. A slow one does not hold
+// the others up: whenever none has ended for a moment one more may run. One that waits for an
 // answer of the user makes room for another.
 //
 // Two copies to the same path come one after the other: together they would leave a mixture of
