@@ -5,8 +5,8 @@
 #include <storage/Directory.h>
 #include <storage/DirectoryTable.h>
 #include <storage/FolderPath.h>
-#include <storage/MoveEntry.h>
 #include <storage/Path.h>
+#include <storage/Trash.h>
 
 #include <climits>
 #include <cstring>
@@ -232,8 +232,8 @@ BEntry::MoveTo(const FolderHandle& base, const char* path, bool clobber)
 		target.Locate(base->Descriptor(), path, false);
 	if (target.InitCheck() != B_OK)
 		return target.InitCheck();
-	status_t status = MoveEntry({fFolder->Descriptor(), fRef.name},
-		{target.fFolder->Descriptor(), target.fRef.name}, clobber);
+	status_t status =
+		MoveWithRecord({fFolder, fRef.name}, {target.fFolder, target.fRef.name}, clobber);
 	if (status == B_OK)
 		*this = std::move(target);
 	return status;
@@ -244,7 +244,7 @@ BEntry::Remove()
 {
 	if (fFolder == nullptr)
 		return B_NO_INIT;
-	return RemoveEntry({fFolder->Descriptor(), fRef.name});
+	return RemoveWithRecord({fFolder, fRef.name});
 }
 
 status_t

@@ -5,12 +5,10 @@
 #include <storage/FileDescriptor.h>
 #include <storage/FolderPath.h>
 #include <storage/Path.h>
+#include <storage/UserFolders.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <fcntl.h>
 #include <fstream>
-#include <pwd.h>
 #include <sys/stat.h>
 #include <vector>
 
@@ -85,47 +83,15 @@ const Place kPlaces[] = {
 	{B_UTILITIES_DIRECTORY, kSystem, "/usr/bin"},
 };
 
-// The value of an environment variable that holds an absolute path; else empty.
-std::string
-PathFromEnvironment(const char* variable)
-{
-	const char* value = getenv(variable);
-	return value != nullptr && value[0] == '/' ? value : "";
-}
-
-// Empty when the user has none.
-std::string
-Home()
-{
-	std::string home = PathFromEnvironment("HOME");
-	if (!home.empty())
-		return home;
-	char buffer[4096];
-	struct passwd record;
-	struct passwd* found = nullptr;
-	getpwuid_r(getuid(), &record, buffer, sizeof(buffer), &found);
-	return found != nullptr && found->pw_dir[0] == '/' ? found->pw_dir : "";
-}
-
-std::string
-HomeOr(const char* variable, const char* belowHome)
-{
-	std::string path = PathFromEnvironment(variable);
-	if (!path.empty())
-		return path;
-	path = Home();
-	return path.empty() ? path : path + belowHome;
-}
-
 // The desktop's own file tells where the user has put it: XDG_DESKTOP_DIR="$HOME/Desktop".
 std::string
 Desktop()
 {
 	constexpr std::string_view kKey = "XDG_DESKTOP_DIR=\"";
 	constexpr std::string_view kHomeText = "$HOME";
-	std::string home = Home();
+	std::string home = UserHome();
 	std::string desktop = home.empty() ? home : home + "/Desktop";
-	std::ifstream file(HomeOr("XDG_CONFIG_HOME", "/.config") + "/user-dirs.dirs");
+	std::ifstream file(UserConfig() + "/user-dirs.dirs");
 	for (std::string line; std::getline(file, line);) {
 		line.erase(0, line.find_first_not_of(" \t"));
 		if (!line.starts_with(kKey))
@@ -149,11 +115,11 @@ BasePath(Base base)
 {
 	switch (base) {
 		case kHome:
-			return Home();
+			return UserHome();
 		case kConfig:
-			return HomeOr("XDG_CONFIG_HOME", "/.config");
+			return UserConfig();
 		case kData:
-			return HomeOr("XDG_DATA_HOME", "/.local/share");
+			return UserData();
 		case kDesktop:
 			return Desktop();
 		default:
@@ -217,11 +183,16 @@ find_directory(directory_which which, BPath* path, bool create, BVolume*)
 	std::string text = base + place->path;
 	if (place->base == kNone || (place->base != kSystem && base.empty()))
 		return B_ENTRY_NOT_FOUND;
-	if (create) {
-		status_t status = MakeFolders(text, place->base == kSystem ? 0755 : 0700);
-		// A trash without the folder for its records would lose where things came from.
-		if (status == B_OK && which == B_TRASH_DIRECTORY)
+	if (which == B_TRASH_DIRECTORY) {
+		// Callers ask without making: there always is a trash. One without the folder for its
+		// records would lose where things came from.
+		status_t status = MakeFolders(text, 0700);
+		if (status == B_OK)
 			status = MakeFolders(base + "/Trash/info", 0700);
+		if (create && status != B_OK)
+			return status;
+	} else if (create) {
+		status_t status = MakeFolders(text, place->base == kSystem ? 0755 : 0700);
 		if (status != B_OK)
 			return status;
 	}

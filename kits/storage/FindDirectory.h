@@ -72,8 +72,8 @@ enum directory_which {
 };
 
 // The folder's path with all links resolved, since callers compare texts; it need not exist
-// unless `create` is set. Folders of the user are made for the user alone. One desktop and one
-// trash serve all volumes. B_BAD_VALUE for NULL or an unknown value, B_ENTRY_NOT_FOUND where
-// this system has no such folder; the path is then unset.
+// unless `create` is set; the trash is made whenever it is asked for. Folders of the user are made
+// for the user alone. One desktop and one trash serve all volumes. B_BAD_VALUE for NULL or an
+// unknown value, B_ENTRY_NOT_FOUND where this system has no such folder; the path is then unset.
 status_t find_directory(
 	directory_which which, BPath* path, bool create = false, BVolume* volume = nullptr);

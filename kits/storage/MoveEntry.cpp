@@ -4,13 +4,12 @@
 
 #include <storage/DirectorySnapshot.h>
 #include <storage/FileDescriptor.h>
+#include <storage/SpareName.h>
 
-#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <optional>
 #include <sys/file.h>
-#include <sys/random.h>
 #include <sys/stat.h>
 #include <utility>
 
@@ -47,24 +46,6 @@ IsSame(const struct stat& a, const struct stat& b)
 {
 	return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
-
-// A name that nobody else uses: as random as a name can be.
-class SpareName {
-public:
-	SpareName()
-	{
-		uint64 random[2] = {};
-		while (getrandom(random, sizeof(random), 0) < 0 && errno == EINTR) {
-		}
-		snprintf(fText, sizeof(fText), ".korva-%016llx%016llx",
-			static_cast<unsigned long long>(random[0]), static_cast<unsigned long long>(random[1]));
-	}
-
-	const char* Text() const { return fText; }
-
-private:
-	char fText[48];
-};
 
 int MoveToFree(const EntryPlace& from, const EntryPlace& to);
 

@@ -5,38 +5,13 @@
 #include <storage/Path.h>
 
 #include "tests/support/TempTree.h"
+#include "tests/support/Variable.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <optional>
 #include <sys/stat.h>
 
 namespace {
-
-// Another value for one variable of the environment during one test; NULL for none.
-class Variable {
-public:
-	Variable(const char* name, const char* value) : fName(name)
-	{
-		if (const char* before = getenv(name); before != nullptr)
-			fBefore = before;
-		Set(value);
-	}
-	~Variable() { Set(fBefore ? fBefore->c_str() : nullptr); }
-
-private:
-	void Set(const char* value)
-	{
-		if (value != nullptr)
-			setenv(fName, value, 1);
-		else
-			unsetenv(fName);
-	}
-
-	const char* fName;
-	std::optional<std::string> fBefore;
-};
 
 std::string
 Find(int which, bool create = false)
@@ -90,9 +65,10 @@ TEST(FindDirectory, MakesFoldersOnlyWhenAsked)
 	Variable userHome("HOME", home.c_str());
 	Variable userData("XDG_DATA_HOME", nullptr);
 	Variable userConfig("XDG_CONFIG_HOME", nullptr);
-	Find(B_TRASH_DIRECTORY);
+	Find(B_USER_ADDONS_DIRECTORY);
 	EXPECT_EQ(tree.List("home"), Names({}));
-	EXPECT_EQ(Find(B_TRASH_DIRECTORY, true), home + "/.local/share/Trash/files");
+	// But for the trash, which callers expect to be there.
+	EXPECT_EQ(Find(B_TRASH_DIRECTORY), home + "/.local/share/Trash/files");
 	EXPECT_EQ(tree.List("home/.local/share/Trash"), Names({"files", "info"}));
 	struct stat status;
 	ASSERT_EQ(stat((home + "/.local/share/Trash/info").c_str(), &status), 0);

@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: MIT
+
+// What drops, pastes and wishes for links come to: by buttons and keys, by the clipboard, by the
+// menu. And the messages that drags and the clipboard carry.
+
+#include "xfer/FileXFer.h"
+
+#include "app/Messages.h"
+
+#include <app/Clipboard.h>
+#include <interface/MenuSession.h>
+#include <storage/Directory.h>
+#include <storage/Entry.h>
+#include <support/TypeConstants.h>
+
+#include "tests/support/ListenedWindow.h"
+#include "tests/support/TempTree.h"
+#include "tests/support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+
+using namespace NFileXFer;
+
+namespace {
+
+class Page : public BView {
+public:
+	Page() : BView(BRect(0, 0, 200, 200), "page", B_FOLLOW_ALL_SIDES, B_WILL_DRAW) {}
+};
+
+// A file to be transferred, and a window over which it is dropped.
+class FileMessage : public testing::Test {
+protected:
+	FileMessage() : fPage(new Page), fWindow(200, 200, fPage), fSource(tree.Ref("a")) {}
+	~FileMessage() override { BPrivate::CloseAllMenus(); }
+
+	bool Handle(const BMessage& message)
+	{
+		entry_ref folder = tree.Ref("to");
+		return fWindow.Under([&] { return HandleFileMessage(&message, &fSource, &folder, fPage); });
+	}
+
+	// "copied", "moved", "linked" or "nothing", as the disk shows; afterwards all is as before.
+	std::string Outcome(bool isBegun)
+	{
+		if (isBegun)
+			EXPECT_TRUE(WaitUntil([&] { return tree.List("to").size() == 1; }));
+		EXPECT_TRUE(WaitUntil([] { return find_thread("cp a") < 0 && find_thread("move") < 0; }));
+		std::vector<std::string> left = tree.List();
+		if (left == Names({"to"})) {
+			tree.Rename("to/a", "a");
+			return "moved";
+		}
+		if (tree.List("to").empty())
+			return "nothing";
+		bool isLink = BEntry(tree.Path("to/a").c_str()).IsSymLink();
+		tree.Remove("to/a");
+		return isLink ? "linked" : "copied";
+	}
+
+	std::string HandleWithKeys(const BMessage& message, uint32 keys)
+	{
+		fWindow.User().Move(20, 20, keys);
+		fWindow.Settle();
+		bool isBegun = Handle(message);
+		fWindow.User().Move(30, 30);
+		fWindow.Settle();
+		return Outcome(isBegun);
+	}
+
+	// Lets the menu open and chooses a row by its first letter; "" closes it.
+	std::string HandleByMenu(const BMessage& message, uint32 keys, const std::string& letter)
+	{
+		fWindow.User().Move(20, 20, keys);
+		fWindow.Settle();
+		auto begun = std::async(std::launch::async, [&] { return Handle(message); });
+		{
+			InjectedUser menu("File");
+			menu.Key(letter.empty() ? std::string(1, B_ESCAPE) : letter);
+			if (!letter.empty())
+				menu.KeyDown(std::string(1, B_ENTER));
+		}
+		if (begun.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
+			ADD_FAILURE() << "the menu stays open";
+			BPrivate::CloseAllMenus();
+		}
+		bool isBegun = begun.get();
+		fWindow.User().Move(30, 30);
+		return Outcome(isBegun);
+	}
+
+	BMessage Clipboard()
+	{
+		BMessage data;
+		EXPECT_TRUE(be_clipboard->Lock());
+		data = *be_clipboard->Data();
+		be_clipboard->Unlock();
+		return data;
+	}
+
+	void SetClipboard(const BMessage& data)
+	{
+		EXPECT_TRUE(be_clipboard->Lock());
+		be_clipboard->Clear();
+		*be_clipboard->Data() = data;
+		EXPECT_EQ(be_clipboard->Commit(), B_OK);
+		be_clipboard->Unlock();
+	}
+
+	TempTree tree{{"a", Text("one")}, {"to", Dir()}};
+	Page* fPage;
+	ListenedWindow fWindow;
+	entry_ref fSource;
+};
+
+std::vector<std::string>
+Texts(const BMessage& message)
+{
+	std::vector<std::string> texts;
+	const void* data;
+	ssize_t size;
+	for (int32 i = 0; message.FindData("text/plain", B_MIME_TYPE, i, &data, &size) == B_OK; i++)
+		texts.emplace_back(static_cast<const char*>(data), size);
+	return texts;
+}
+
+} // namespace
+
+TEST_F(FileMessage, KeysChooseWhatAPlainDragDoes)
+{
+	const BMessage drop(kMSG_DragFile);
+	EXPECT_EQ(HandleWithKeys(drop, 0), "moved");
+	EXPECT_EQ(HandleWithKeys(drop, B_OPTION_KEY), "copied");
+	EXPECT_EQ(HandleWithKeys(drop, B_SHIFT_KEY), "linked");
+	EXPECT_EQ(HandleWithKeys(drop, B_COMMAND_KEY), "moved");
+	EXPECT_EQ(HandleWithKeys(drop, B_OPTION_KEY | B_SHIFT_KEY | B_COMMAND_KEY), "copied");
+	EXPECT_EQ(HandleWithKeys(drop, B_SHIFT_KEY | B_COMMAND_KEY), "linked");
+	BMessage primary(kMSG_DragFile);
+	primary.AddInt32(kName_DragButtons, B_PRIMARY_MOUSE_BUTTON);
+	EXPECT_EQ(HandleWithKeys(primary, 0), "moved");
+}
+
+TEST_F(FileMessage, ControlAndTheSecondaryButtonAsk)
+{
+	BMessage secondary(kMSG_DragFile);
+	secondary.AddInt32(kName_DragButtons, B_SECONDARY_MOUSE_BUTTON | B_PRIMARY_MOUSE_BUTTON);
+	EXPECT_EQ(HandleByMenu(secondary, B_SHIFT_KEY, "m"), "moved");
+	EXPECT_EQ(HandleByMenu(secondary, 0, ""), "nothing");
+	const BMessage drop(kMSG_DragFile);
+	EXPECT_EQ(HandleByMenu(drop, B_CONTROL_KEY, "m"), "moved");
+	EXPECT_EQ(HandleByMenu(drop, B_CONTROL_KEY | B_OPTION_KEY, ""), "nothing");
+	// "Create Link Here", "Copy Here" and "Cancel" begin alike: by their places.
+	const char* expected[] = {"linked", "moved", "copied", "nothing"};
+	for (int row = 0; row < 4; row++) {
+		fWindow.User().Move(20, 20, B_CONTROL_KEY);
+		fWindow.Settle();
+		auto begun = std::async(std::launch::async, [&] { return Handle(drop); });
+		{
+			InjectedUser menu("File");
+			for (int i = 0; i <= row; i++)
+				menu.Key(std::string(1, B_DOWN_ARROW));
+			menu.KeyDown(std::string(1, B_ENTER));
+		}
+		EXPECT_EQ(Outcome(begun.get()), expected[row]);
+	}
+	// What the mouse holds does not count when the message says what was held.
+	fWindow.User().Press(20, 20, B_SECONDARY_MOUSE_BUTTON);
+	BMessage primary(kMSG_DragFile);
+	primary.AddInt32(kName_DragButtons, B_PRIMARY_MOUSE_BUTTON);
+	fWindow.Settle();
+	EXPECT_EQ(Outcome(Handle(primary)), "moved");
+	fWindow.User().Release(20, 20, B_SECONDARY_MOUSE_BUTTON);
+}
+
+TEST_F(FileMessage, TheClipboardDecidesWhatAPasteDoes)
+{
+	const BMessage paste(B_PASTE);
+	EXPECT_TRUE(CutCopy(B_COPY, &fSource));
+	for (int i = 0; i < 2; i++)
+		EXPECT_EQ(HandleWithKeys(paste, B_SHIFT_KEY), "copied");
+	// Its contents, handed on without the command, mean the same whatever keys are held.
+	EXPECT_EQ(HandleWithKeys(Clipboard(), B_COMMAND_KEY), "copied");
+
+	EXPECT_TRUE(CutCopy(B_CUT, &fSource));
+	BMessage cut = Clipboard();
+	EXPECT_EQ(HandleWithKeys(paste, 0), "moved");
+	EXPECT_EQ(HandleWithKeys(paste, 0), "nothing"); // what is cut is pasted once
+	EXPECT_FALSE(Clipboard().HasRef(kName_Refs));
+
+	// Of several files cut elsewhere each is pasted once.
+	tree.Add("b", Text());
+	entry_ref other = tree.Ref("b");
+	tree.Remove("b");
+	cut.AddRef(kName_Refs, &other);
+	cut.AddData("text/plain", B_MIME_TYPE, "b", 2);
+	SetClipboard(cut);
+	EXPECT_EQ(HandleWithKeys(paste, 0), "moved");
+	entry_ref left;
+	EXPECT_EQ(Clipboard().FindRef(kName_Refs, &left), B_OK);
+	EXPECT_EQ(left, other);
+	EXPECT_FALSE(Clipboard().HasRef(kName_Refs, 1));
+	EXPECT_EQ(Texts(Clipboard()), std::vector<std::string>({std::string("b\0", 2)}));
+
+	BMessage neither(kMSG_DragFile);
+	neither.AddRef(kName_Refs, &fSource);
+	SetClipboard(neither);
+	EXPECT_EQ(HandleWithKeys(paste, 0), "nothing");
+	EXPECT_EQ(HandleWithKeys(BMessage(kMSG_CreateLink), B_OPTION_KEY), "linked");
+}
+
+TEST_F(FileMessage, WhatCannotBeOpenedIsLeftAlone)
+{
+	const BMessage drop(kMSG_DragFile);
+	entry_ref folder = tree.Ref("to");
+	entry_ref unset;
+	fWindow.Under([&] {
+		EXPECT_FALSE(HandleFileMessage(&drop, &unset, &folder, fPage));
+		EXPECT_FALSE(HandleFileMessage(&drop, &fSource, &unset, fPage));
+		EXPECT_FALSE(HandleFileMessage(&drop, &fSource, &fSource, fPage)); // no folder
+		entry_ref own = tree.Ref(".");
+		EXPECT_FALSE(HandleFileMessage(&drop, &fSource, &own, fPage));
+	});
+	EXPECT_EQ(Outcome(false), "nothing");
+}
+
+TEST_F(FileMessage, TheClipboardHoldsOneEntryAndItsPath)
+{
+	entry_ref link = tree.Ref("to");
+	tree.Add("link", Link("to"));
+	link = tree.Ref("link");
+	CutCopy(B_COPY, &fSource);
+	CutCopy(B_CUT, &link);
+	BMessage data = Clipboard();
+	EXPECT_EQ(data.what, static_cast<uint32>(kMSG_DragFile));
+	entry_ref ref;
+	bool flag = false;
+	EXPECT_EQ(data.FindRef(kName_Refs, &ref), B_OK);
+	EXPECT_EQ(ref, link);
+	EXPECT_FALSE(data.HasRef(kName_Refs, 1));
+	EXPECT_EQ(Texts(data), std::vector<std::string>({tree.Path("link") + '\0'}));
+	EXPECT_TRUE(data.FindBool("Korva", &flag) == B_OK && flag);
+	EXPECT_TRUE(data.FindBool("Cut", &flag) == B_OK && flag);
+	EXPECT_FALSE(data.HasBool("Copy"));
+	tree.Remove("link");
+}
+
+TEST(RefDragMessage, CarriesEntriesPathsAndWhereTheyComeFrom)
+{
+	RefDragMessage empty;
+	EXPECT_EQ(empty.what, static_cast<uint32>(kMSG_DragFile));
+	EXPECT_FALSE(empty.HasRef(kName_Refs));
+	EXPECT_TRUE(empty.HasBool("Korva"));
+
+	TempTree tree{{"a", Text()}, {"b", Link("a")}};
+	entry_ref first = tree.Ref("a");
+	entry_ref second = tree.Ref("b");
+	entry_ref pathless;
+	pathless.set_name("x");
+	RefDragMessage drag(&first);
+	drag.AddEntryRef(&pathless);
+	drag.AddEntryRef(&second);
+	drag.SetButtons(B_SECONDARY_MOUSE_BUTTON);
+	drag.SetPane('I');
+	entry_ref ref;
+	EXPECT_EQ(drag.FindRef(kName_Refs, 2, &ref), B_OK);
+	EXPECT_EQ(ref, second);
+	EXPECT_EQ(Texts(drag),
+		std::vector<std::string>(
+			{tree.Path("a") + '\0', std::string(1, '\0'), tree.Path("b") + '\0'}));
+	int32 buttons = 0;
+	int8 pane = 0;
+	EXPECT_EQ(drag.FindInt32("buttons", &buttons), B_OK);
+	EXPECT_EQ(drag.FindInt8("Pane", &pane), B_OK);
+	EXPECT_EQ(buttons, B_SECONDARY_MOUSE_BUTTON);
+	EXPECT_EQ(pane, 'I');
+}
+
+TEST(RefDragMessage, ItsOutlineCoversTheRowsEdgeByEdge)
+{
+	RefDragMessage drag;
+	EXPECT_EQ(drag.Rect(), BRect(-1, -1, -1, -1));
+	drag.AddRect(BRect(10, -5, 50, 20));
+	EXPECT_EQ(drag.Rect(), BRect(10, -5, 50, 20));
+	drag.AddRect(BRect(20, 30, 40, 40)); // an edge below 0 was not set
+	EXPECT_EQ(drag.Rect(), BRect(10, 30, 50, 40));
+	drag.AddRect(BRect(5, 10, 60, 35));
+	EXPECT_EQ(drag.Rect(), BRect(5, 10, 60, 40));
+	drag.SetRect(BRect(0, 0, 1, 1));
+	EXPECT_EQ(drag.Rect(), BRect(0, 0, 1, 1));
+}

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: MIT
+
+// The copy engine: one file, first its data, then its attributes.
+
+#include "xfer/FileXFer.h"
+
+#include "app/Messages.h"
+#include "support/GeneralFun.h"
+#include "support/UpdateCounter.h"
+#include "support/dprint.h"
+
+#include <app/Looper.h>
+#include <app/Message.h>
+#include <storage/Directory.h>
+#include <storage/Entry.h>
+#include <storage/File.h>
+#include <storage/Node.h>
+
+#include <cstdio>
+#include <memory>
+#include <new>
+
+namespace NFileXFer {
+
+namespace {
+
+constexpr uint32 kDebugLevel = 12;
+constexpr size_t kChunkSize = 1024;
+constexpr size_t kErrorTextSize = 512;
+constexpr size_t kAttrNameSize = 256;
+
+void
+ReportError(const char* format, const char* name, status_t status)
+{
+	char text[kErrorTextSize];
+	Debug.StdOut(kDebugLevel, format, name, NGeneralFunction::ErrorString(text, status));
+}
+
+// Asked before opening, which can have an effect on a device, and after it, when it is certain.
+status_t
+RefuseAllButFiles(const BStatable& node)
+{
+	if (node.IsDirectory())
+		return B_IS_A_DIRECTORY;
+	return node.IsFile() ? B_OK : B_NOT_ALLOWED;
+}
+
+// A file that is there already is not emptied yet.
+status_t
+OpenTarget(const BPath* path, BFile* file)
+{
+	status_t status = BDirectory().CreateFile(path->Path(), file, true);
+	if (status != B_FILE_EXISTS)
+		return status;
+	uint32 mode = B_READ_WRITE;
+	status = B_OK;
+	BEntry entry(path->Path(), true);
+	if (entry.Exists())
+		status = RefuseAllButFiles(entry);
+	else
+		mode |= B_CREATE_FILE; // a link whose target is missing gets it now
+	if (status == B_OK)
+		status = file->SetTo(path->Path(), mode);
+	return status == B_OK ? RefuseAllButFiles(*file) : status;
+}
+
+// B_NOT_ALLOWED when the source is the target under another name.
+status_t
+OpenSource(const entry_ref* source, const BFile& target, BFile* file)
+{
+	BEntry entry(source, true);
+	status_t status = entry.Exists() ? RefuseAllButFiles(entry) : B_ENTRY_NOT_FOUND;
+	if (status == B_OK)
+		status = file->SetTo(source, B_READ_ONLY);
+	if (status == B_OK)
+		status = RefuseAllButFiles(*file);
+	node_ref from;
+	node_ref to;
+	if (status == B_OK)
+		status = file->GetNodeRef(&from);
+	if (status == B_OK)
+		status = target.GetNodeRef(&to);
+	return status == B_OK && from == to ? B_NOT_ALLOWED : status;
+}
+
+bool
+CopyData(BFile* source, BFile* target)
+{
+	char chunk[kChunkSize];
+	if (source->Seek(0, SEEK_SET) < 0)
+		return false;
+	for (;;) {
+		ssize_t length = source->Read(chunk, sizeof(chunk));
+		// The target gathers what it is given: whether all of it has arrived it knows only now.
+		if (length <= 0)
+			return length == 0 && target->Sync() == B_OK;
+		Debug.StdOut(kDebugLevel, ".");
+		fflush(stdout);
+		if (target->Write(chunk, length) < length)
+			return false;
+	}
+}
+
+// One that cannot be read or written is left out: not every volume can hold every attribute.
+void
+CopyAttributes(BNode* source, BNode* target)
+{
+	char name[kAttrNameSize];
+	source->RewindAttrs();
+	while (source->GetNextAttrName(name) == B_OK) {
+		Debug.StdOut(kDebugLevel, "%s ; ", name);
+		fflush(stdout);
+		attr_info info;
+		if (source->GetAttrInfo(name, &info) != B_OK)
+			continue;
+		std::unique_ptr<char[]> value(new (std::nothrow) char[info.size]);
+		if (value != nullptr &&
+			source->ReadAttr(name, info.type, 0, value.get(), info.size) == info.size)
+			target->WriteAttr(name, info.type, 0, value.get(), info.size);
+	}
+}
+
+void
+SendComplete(const FileXFerData& transfer)
+{
+	if (!transfer.fMessenger->LockTarget())
+		return;
+	BMessage message(kMSG_CopyComplete);
+	message.AddRef("source", &transfer.fSource);
+	message.AddString("target", transfer.fTarget.Path());
+	// Without waiting for an answer: its receiver could not give one while we hold its lock.
+	transfer.fMessenger->SendMessage(&message, static_cast<BHandler*>(nullptr), B_INFINITE_TIMEOUT);
+	BLooper* looper = nullptr;
+	transfer.fMessenger->Target(&looper);
+	looper->Unlock();
+}
+
+} // namespace
+
+bool
+CopyFile(const entry_ref* source, const BPath* target)
+{
+	Debug.StdOut(kDebugLevel, "CopyFile: %s -> %s\n", source->name, target->Path());
+	BNode sourceNode(source);
+	if (sourceNode.InitCheck() != B_OK)
+		return false;
+	BFile targetFile;
+	if (status_t status = OpenTarget(target, &targetFile); status != B_OK) {
+		ReportError("Error creating %s - %s\n", target->Path(), status);
+		return false;
+	}
+	BFile sourceFile;
+	if (status_t status = OpenSource(source, targetFile, &sourceFile); status != B_OK) {
+		ReportError("Error opening %s - %s\n", source->name, status);
+		return false;
+	}
+	bool isCopied = targetFile.SetSize(0) == B_OK && CopyData(&sourceFile, &targetFile);
+	sourceFile.Unset();
+	targetFile.Unset();
+	Debug.StdOut(kDebugLevel, "\n");
+	if (!isCopied)
+		return false;
+
+	BNode targetNode(target->Path());
+	if (targetNode.InitCheck() != B_OK)
+		return false;
+	CopyAttributes(&sourceNode, &targetNode);
+	Debug.StdOut(kDebugLevel, "\nDone.\n");
+	return true;
+}
+
+int32
+CopyFile_(void* data)
+{
+	std::unique_ptr<FileXFerData> transfer(static_cast<FileXFerData*>(data));
+	gUpdateTolerance++;
+	bool isCopied = CopyFile(&transfer->fSource, &transfer->fTarget);
+	gUpdateTolerance--;
+	SendComplete(*transfer);
+	return isCopied;
+}
+
+} // namespace NFileXFer

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+
+// From a drop or a command of the user to the transfer that it means.
+
+#include "xfer/CutCopy.h"
+#include "xfer/FileXFer.h"
+
+#include "app/Messages.h"
+#include "support/GeneralFun.h"
+#include "support/dprint.h"
+
+#include <app/Clipboard.h>
+#include <app/Message.h>
+#include <interface/View.h>
+#include <storage/Directory.h>
+#include <storage/Entry.h>
+
+#include <memory>
+
+namespace NFileXFer {
+
+namespace {
+
+constexpr uint32 kDebugLevel = 12;
+constexpr size_t kErrorTextSize = 512;
+
+// False when nothing is to be done.
+bool
+ChooseForDrop(const BMessage& message, const BView* view, ETransferType* type)
+{
+	const uint32 keys = modifiers();
+	BPoint where;
+	uint32 buttons = 0;
+	view->GetMouse(&where, &buttons);
+	where = view->ConvertToScreen(where);
+	int32 buttonsBefore;
+	if (message.FindInt32(kName_DragButtons, &buttonsBefore) == B_OK)
+		buttons = static_cast<uint32>(buttonsBefore);
+	if (message.WasDropped())
+		where = message.DropPoint();
+
+	if ((keys & B_CONTROL_KEY) != 0 || (buttons & B_SECONDARY_MOUSE_BUTTON) != 0) {
+		Debug.StdOut(kDebugLevel, "Ctrl => Menu\n");
+		*type = FileTransferMenu(where);
+		return *type != eCancel;
+	}
+	if ((keys & B_OPTION_KEY) != 0) {
+		Debug.StdOut(kDebugLevel, "Opt => Copy\n");
+		*type = eCopy;
+	} else if ((keys & B_SHIFT_KEY) != 0) {
+		Debug.StdOut(kDebugLevel, "Shift => Link\n");
+		*type = eLink;
+	} else if ((keys & B_COMMAND_KEY) != 0) {
+		Debug.StdOut(kDebugLevel, "Cmd => Move\n");
+		*type = eMove;
+	} else {
+		Debug.StdOut(kDebugLevel, "Drag => Default\n");
+		*type = eMove;
+	}
+	return true;
+}
+
+// As ChooseForDrop(); `isPaste` says that the clipboard has decided.
+bool
+Choose(const BMessage& message, const BView* view, ETransferType* type, bool* isPaste)
+{
+	*isPaste = false;
+	if (message.what == kMSG_CreateLink) {
+		*type = eLink;
+		return true;
+	}
+	if (message.what == B_PASTE && be_clipboard->Lock()) {
+		*isPaste = FindPasteType(*be_clipboard->Data(), type);
+		be_clipboard->Unlock();
+		return *isPaste;
+	}
+	// A copy of the clipboard's contents: the keys that are held then belong to the command.
+	if (!message.WasDropped() && FindPasteType(message, type)) {
+		*isPaste = true;
+		return true;
+	}
+	return ChooseForDrop(message, view, type);
+}
+
+bool
+Transfer(ETransferType type, const entry_ref* ref, const entry_ref* folderRef, const BView* view)
+{
+	auto entry = std::make_unique<BEntry>(ref, false);
+	auto folder = std::make_unique<BDirectory>(folderRef);
+	if (entry->InitCheck() != B_OK || folder->InitCheck() != B_OK) {
+		char text[kErrorTextSize];
+		Debug.StdOut(
+			kDebugLevel, "ent(%s)\n", NGeneralFunction::ErrorString(text, entry->InitCheck()));
+		Debug.StdOut(
+			kDebugLevel, "dir(%s)\n", NGeneralFunction::ErrorString(text, folder->InitCheck()));
+		return false;
+	}
+	bool isDone = FileOperation(type, entry.get(), folder.get(), view);
+	if (type == eMove && isDone) { // the move's from now on
+		entry.release();
+		folder.release();
+	}
+	return isDone;
+}
+
+} // namespace
+
+bool
+HandleFileMessage(
+	const BMessage* message, const entry_ref* entry, const entry_ref* folder, const BView* view)
+{
+	ETransferType type;
+	bool isPaste;
+	if (!Choose(*message, view, &type, &isPaste) || !Transfer(type, entry, folder, view))
+		return false;
+	if (isPaste && type == eMove)
+		ForgetCut(*entry);
+	return true;
+}
+
+} // namespace NFileXFer
