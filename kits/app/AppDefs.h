@@ -35,6 +35,8 @@ enum : uint32 {
 	B_COPY = 'COPY',
 	B_PASTE = 'PSTE',
 	B_SELECT_ALL = 'SALL',
+	B_UNDO = 'UNDO',
+	B_REDO = 'REDO',
 	B_SIMPLE_DATA = 'DATA',
 	B_MIME_DATA = 'MIME',
 

@@ -6,11 +6,13 @@
 
 #include "PlainText.h"
 
-#include <desktop/Canvas.h>
+#include <desktop/Text.h>
 
 #include <QFont>
 #include <QGlyphRun>
 #include <QRectF>
+#include <QString>
+#include <QTextOption>
 
 #include <list>
 #include <memory>
@@ -20,6 +22,13 @@
 #include <vector>
 
 namespace desktop {
+
+constexpr qreal kEndlessLine = 1 << 24;
+
+// What is drawn for these bytes: one unit or pair of units for each character or odd byte.
+QString DrawableText(std::string_view text);
+QTextOption OneLine();
+bool WaitForFonts();
 
 // One string as glyphs on device pixels, the baseline's start at (0, 0).
 struct ShapedText {
@@ -42,6 +51,7 @@ public:
 	// Long strings are not remembered.
 	std::shared_ptr<const ShapedText> Shape(
 		const FontSpec& spec, double scale, std::string_view text);
+	std::vector<TextCluster> Clusters(const FontSpec& spec, std::string_view text);
 
 private:
 	struct Key {

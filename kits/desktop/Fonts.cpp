@@ -24,7 +24,6 @@ namespace {
 constexpr size_t kMaxEntries = 1024;
 constexpr size_t kMaxRemembered = 512; // bytes of a string
 constexpr size_t kMaxFonts = 16;
-constexpr qreal kEndlessLine = 1 << 24;
 
 thread_local std::unique_ptr<FontCache> tCache;
 
@@ -39,10 +38,14 @@ MustNotBeDrawn(char16_t c)
 		|| c == 0xfffc;                        // stands for an object, has no glyph
 }
 
+} // namespace
+
 QString
 DrawableText(std::string_view text)
 {
 	QString result = QString::fromUtf8(text.data(), qsizetype(text.size()));
+	if (text.starts_with("\xef\xbb\xbf")) // which Qt leaves out
+		result.prepend(QChar(QChar::ByteOrderMark));
 	for (QChar& c : result) {
 		if (MustNotBeDrawn(c.unicode()))
 			c = QChar::ReplacementCharacter;
@@ -63,6 +66,8 @@ OneLine()
 	return option;
 }
 
+namespace {
+
 // Reading the fonts' settings is a third of the time from the desktop's start to the first text,
 // and needs no desktop: a thread that must wait for that reads them meanwhile. Qt links the
 // library; if this platform has none, nothing happens.
@@ -74,6 +79,8 @@ ReadFontSettings()
 		read();
 }
 
+} // namespace
+
 bool
 WaitForFonts()
 {
@@ -82,8 +89,6 @@ WaitForFonts()
 		std::call_once(sRead, ReadFontSettings);
 	return WaitForDesktop();
 }
-
-} // namespace
 
 size_t
 FontCache::KeyHash::operator()(const Key& key) const

@@ -19,6 +19,10 @@ NativeWindowAccess::Peer(NativeWindow& window)
 	return *window.fPeer;
 }
 
+void
+WindowClient::WindowComposing(const std::string&, size_t)
+{}
+
 NativeWindow::NativeWindow(WindowClient& client, const PixelRect& frame, const std::string& title,
 	const Options& options) :
 	fPeer(std::make_shared<WindowPeer>())

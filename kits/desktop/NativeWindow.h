@@ -80,6 +80,8 @@ public:
 	virtual void WindowKey(const KeyEvent& event) = 0;
 	virtual void WindowModifiers(uint32 modifiers, bigtime_t when) = 0;
 	virtual void WindowDrag(const DragEvent&) {}
+	// The text that an input method is composing, empty when it has ended, and its caret in bytes.
+	virtual void WindowComposing(const std::string& text, size_t caret);
 };
 
 // A pop-up has no decoration. From Show() to Hide() all mouse and key events of the program are its
@@ -122,7 +124,8 @@ public:
 	void SetSizeLimits(int32 minWidth, int32 maxWidth, int32 minHeight, int32 maxHeight);
 
 	// Whether keys may be composed to text (dead keys, input methods), with the candidates shown
-	// at `caret`. The text arrives as a key press of several bytes, key and rawChar 0.
+	// at `caret`. The text arrives as a key press of several bytes, key and rawChar 0. What is
+	// being composed is given up when it is no longer wanted.
 	void SetTextInput(bool wanted, const PixelRect& caret);
 
 	// Begins a drag with the buttons that are held, and comes to nothing when none is or another

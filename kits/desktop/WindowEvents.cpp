@@ -61,6 +61,10 @@ PeerWindow::event(QEvent* event)
 void
 PeerWindow::SetTextInput(bool wanted, const QRect& caret)
 {
+	if (fComposing && !wanted) {
+		fComposing = false;
+		QGuiApplication::inputMethod()->reset();
+	}
 	fTextInput = wanted;
 	fCaret = caret;
 	if (isActive())
@@ -80,10 +84,23 @@ PeerWindow::AnswerInputMethod(QInputMethodQueryEvent& query) const
 void
 PeerWindow::TellComposedText(const QInputMethodEvent& event)
 {
+	const QString& composing = event.preeditString();
+	if (fComposing || !composing.isEmpty()) {
+		fComposing = !composing.isEmpty();
+		qsizetype caret = composing.size();
+		for (const QInputMethodEvent::Attribute& attribute : event.attributes()) {
+			if (attribute.type == QInputMethodEvent::Cursor)
+				caret = attribute.start;
+		}
+		fClient.WindowComposing(
+			composing.toStdString(), size_t(composing.left(caret).toUtf8().size()));
+	}
 	if (event.commitString().isEmpty())
 		return;
-	fClient.WindowKey({true, false, 0, 0, event.commitString().toStdString(),
-		CurrentInput().modifiers, system_time()});
+	// Text is text, also when the keys that have made it are still held.
+	const uint32 modifiers = CurrentInput().modifiers & ~uint32(B_COMMAND_KEY | B_CONTROL_KEY);
+	fClient.WindowKey(
+		{true, false, 0, 0, event.commitString().toStdString(), modifiers, system_time()});
 }
 
 void

@@ -87,6 +87,7 @@ private:
 	ClickCounter fClicks;
 	std::shared_ptr<const Content> fDragged; // of the drag over this window
 	bool fTextInput = false;
+	bool fComposing = false;
 	QRect fCaret;
 };
 

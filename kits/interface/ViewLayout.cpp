@@ -43,9 +43,10 @@ BView::Bounds() const
 void
 BView::MoveTo(BPoint leftTop)
 {
-	// Whole pixels only, so that a mover with a half-pixel rule does not creep.
+	// Whole pixels only, and a half goes down as in ResizeTo(): who moves an edge by a rule with
+	// half pixels, time and again, moves nothing else.
 	BRect frame = fFrame;
-	frame.OffsetTo(std::floor(leftTop.x + 0.5f), std::floor(leftTop.y + 0.5f));
+	frame.OffsetTo(std::ceil(leftTop.x - 0.5f), std::ceil(leftTop.y - 0.5f));
 	_SetFrame(frame);
 }
 

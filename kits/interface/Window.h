@@ -89,6 +89,7 @@ protected:
 private:
 	friend class BView;
 	friend class BPrivate::ModalCall;
+	friend class BTextView;
 
 	struct Shortcut {
 		uint32 key;
@@ -128,6 +129,7 @@ private:
 	void _KeyDown(BMessage* message, BView* target);
 	BHandler* _TakeShortcut(BMessage* message, BHandler* target);
 	void _NavigateFocus(bool backward);
+	void _SetTextInput(bool wanted, BRect caret); // whether keys may be composed to text
 	void _ActivationChanged(bool active);
 	void _CallViews(const std::function<void(BView&)>& hook);
 

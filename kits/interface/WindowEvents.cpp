@@ -3,6 +3,7 @@
 #include "kits/interface/WindowEvents.h"
 
 #include <app/AppDefs.h>
+#include <interface/TextMessages.h>
 
 namespace BPrivate {
 
@@ -113,6 +114,15 @@ WindowEvents::WindowDrag(const desktop::DragEvent& event)
 		message->AddBool("left", true);
 	if (event.kind != Kind::kMoved)
 		fDragged = nullptr;
+	fWindow.Post(std::move(message));
+}
+
+void
+WindowEvents::WindowComposing(const std::string& text, size_t caret)
+{
+	auto message = std::make_unique<BMessage>(kMsgComposing);
+	message->AddString("text", text.c_str());
+	message->AddInt32("caret", static_cast<int32>(caret));
 	fWindow.Post(std::move(message));
 }
 

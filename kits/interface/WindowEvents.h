@@ -27,6 +27,7 @@ public:
 	void WindowKey(const desktop::KeyEvent& event) override;
 	void WindowModifiers(uint32 modifiers, bigtime_t when) override;
 	void WindowDrag(const desktop::DragEvent& event) override;
+	void WindowComposing(const std::string& text, size_t caret) override;
 
 private:
 	LooperCore& fWindow;

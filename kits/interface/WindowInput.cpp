@@ -10,6 +10,7 @@
 #include <desktop/GuiThread.h>
 #include <interface/Button.h>
 #include <interface/Modal.h>
+#include <interface/TextMessages.h>
 
 #include "kits/app/LooperCore.h"
 #include "kits/interface/Dragged.h"
@@ -51,6 +52,8 @@ uint32
 CommandOf(uint32 key)
 {
 	switch (key) {
+		case 'z':
+			return B_UNDO;
 		case 'x':
 			return B_CUT;
 		case 'c':
@@ -93,6 +96,7 @@ BWindow::_Retarget(BMessage* message, BHandler* target)
 			return this;
 		case B_KEY_DOWN:
 		case B_KEY_UP:
+		case BPrivate::kMsgComposing:
 			return _RetargetKey(message);
 		case B_WINDOW_RESIZED:
 		case B_WINDOW_MOVED:
@@ -326,6 +330,8 @@ BWindow::_TakeShortcut(BMessage* message, BHandler* target)
 		return nullptr;
 	}
 	uint32 command = (held & kOthers) == 0 ? CommandOf(key) : 0;
+	if (key == 'z' && (held & kOthers) == B_SHIFT_KEY)
+		command = B_REDO;
 	if (command == B_QUIT_REQUESTED) {
 		*message = BMessage(command);
 		if (key == 'w')
@@ -349,11 +355,21 @@ BWindow::_NavigateFocus(bool backward)
 	if (views.empty())
 		return;
 	size_t count = views.size();
-	auto current = std::find(views.begin(), views.end(), fFocus);
+	// A control may have given the focus to a view inside it.
+	auto current = views.end();
+	for (BView* view = fFocus; view != nullptr && current == views.end(); view = view->fParent)
+		current = std::find(views.begin(), views.end(), view);
 	size_t next = backward ? count - 1 : 0;
 	if (current != views.end())
 		next = (current - views.begin() + (backward ? count - 1 : 1)) % count;
 	views[next]->MakeFocus(true);
+}
+
+void
+BWindow::_SetTextInput(bool wanted, BRect caret)
+{
+	if (fSurface->IsOpen())
+		fSurface->Native()->SetTextInput(wanted, BPrivate::ToPixels(caret));
 }
 
 void

@@ -371,21 +371,53 @@ InjectedUser::ModifierKey(uint32 sidedKey, bool down, uint32 modifiers)
 	}
 }
 
+static bool
+SendInputMethodEvent(QWindow* window, QInputMethodEvent& event)
+{
+	QInputMethodQueryEvent query(Qt::ImEnabled);
+	QCoreApplication::sendEvent(window, &query);
+	const bool taken = query.value(Qt::ImEnabled).toBool();
+	if (taken)
+		QCoreApplication::sendEvent(window, &event);
+	return taken;
+}
+
 bool
 InjectedUser::Compose(const std::string& text)
 {
 	bool taken = false;
 	CallGui([&] {
-		QInputMethodQueryEvent query(Qt::ImEnabled);
-		QCoreApplication::sendEvent(fWindow, &query);
-		taken = query.value(Qt::ImEnabled).toBool();
-		if (!taken)
-			return;
 		QInputMethodEvent event;
 		event.setCommitString(QString::fromStdString(text));
-		QCoreApplication::sendEvent(fWindow, &event);
+		taken = SendInputMethodEvent(fWindow, event);
 	});
 	return taken;
+}
+
+bool
+InjectedUser::ShowComposing(const std::string& text, int32 caret)
+{
+	bool taken = false;
+	CallGui([&] {
+		QInputMethodEvent event(
+			QString::fromStdString(text), {{QInputMethodEvent::Cursor, caret, 1, QVariant()}});
+		taken = SendInputMethodEvent(fWindow, event);
+	});
+	return taken;
+}
+
+PixelRect
+InjectedUser::InputCaret() const
+{
+	PixelRect caret;
+	CallGui([&] {
+		QInputMethodQueryEvent query(Qt::ImEnabled | Qt::ImCursorRectangle);
+		QCoreApplication::sendEvent(fWindow, &query);
+		const QRect rect = query.value(Qt::ImCursorRectangle).toRect();
+		if (query.value(Qt::ImEnabled).toBool())
+			caret = {rect.left(), rect.top(), rect.right(), rect.bottom()};
+	});
+	return caret;
 }
 
 void

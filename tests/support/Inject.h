@@ -57,6 +57,10 @@ public:
 
 	// What an input method or a dead key has made; false when the window takes none at present.
 	bool Compose(const std::string& text);
+	// What it shows while it has not; `caret` in characters of the Basic Plane.
+	bool ShowComposing(const std::string& text, int32 caret);
+	// Where it would show what can be chosen; not valid when the window takes no text.
+	desktop::PixelRect InputCaret() const;
 
 	void Close();
 	void Activate();

