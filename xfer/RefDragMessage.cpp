@@ -12,7 +12,7 @@ namespace NFileXFer {
 
 namespace {
 
-constexpr BPoint kOutlineStart(50, 50);
+const BPoint kOutlineStart(50, 50);
 
 bool
 IsUnset(float edge)

@@ -34,7 +34,7 @@ public:
 class FileMessage : public testing::Test {
 protected:
 	FileMessage() : fPage(new Page), fWindow(200, 200, fPage), fSource(tree.Ref("a")) {}
-	~FileMessage() override { BPrivate::CloseAllMenus(); }
+	~FileMessage() override { BPrivate::CloseOpenMenu(); }
 
 	bool Handle(const BMessage& message)
 	{
@@ -45,8 +45,9 @@ protected:
 	// "copied", "moved", "linked" or "nothing", as the disk shows; afterwards all is as before.
 	std::string Outcome(bool isBegun)
 	{
-		if (isBegun)
+		if (isBegun) {
 			EXPECT_TRUE(WaitUntil([&] { return tree.List("to").size() == 1; }));
+		}
 		EXPECT_TRUE(WaitUntil([] { return find_thread("cp a") < 0 && find_thread("move") < 0; }));
 		std::vector<std::string> left = tree.List();
 		if (left == Names({"to"})) {
@@ -84,7 +85,7 @@ protected:
 		}
 		if (begun.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
 			ADD_FAILURE() << "the menu stays open";
-			BPrivate::CloseAllMenus();
+			BPrivate::CloseOpenMenu();
 		}
 		bool isBegun = begun.get();
 		fWindow.User().Move(30, 30);

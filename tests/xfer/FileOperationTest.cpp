@@ -216,7 +216,7 @@ TEST(FileOperation, CopiesToOnePathDoNotMix)
 {
 	const std::string first(3 << 20, '1');
 	const std::string second(2 << 20, '2');
-	for (int i = 0; i < StormRounds(5, 50); i++) {
+	for (int i = 0; i < Rounds(5, 50); i++) {
 		TempTree tree{{"1/a", Text(first)}, {"2/a", Text(second)}, {"to", Dir()}};
 		ListenerPtr listener(new Listener);
 		for (int n = 0; n < 3; n++) {
@@ -230,7 +230,7 @@ TEST(FileOperation, CopiesToOnePathDoNotMix)
 
 TEST(FileOperation, HundredsAtOnceAllArrive)
 {
-	const int count = StormRounds(300, 3000);
+	const int count = Rounds(300, 3000);
 	TempTree tree{{"from", Dir()}, {"copies", Dir()}, {"moved", Dir()}};
 	for (int i = 0; i < count; i++) {
 		for (const char* kind : {"c", "m"})

@@ -120,7 +120,7 @@ TEST(MoveQuestion, AFolderOfTheSystemMovesOnlyWhenConfirmed)
 
 TEST(MoveQuestion, ManyQuestionsHoldNoOtherTransferUpAndCountAsNoWhenClosed)
 {
-	const int count = StormRounds(40, 200);
+	const int count = Rounds(40, 200);
 	TempTree tree{{"from", Dir()}, {"to", Dir()}, {"copies", Dir()}};
 	for (int i = 0; i < count; i++) {
 		std::string name = std::to_string(i);

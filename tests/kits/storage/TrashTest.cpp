@@ -245,7 +245,7 @@ ThrowAndTakeBack(const User& user, const std::string& own, int rounds)
 
 TEST(TrashRace, EntriesKeepTheirOwnRecords)
 {
-	const int rounds = StormRounds(300, 20000);
+	const int rounds = Rounds(300, 20000);
 	User user;
 	std::vector<pid_t> programs;
 	for (const char* own : {"0", "1", "2"}) {
