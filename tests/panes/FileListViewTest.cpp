@@ -362,31 +362,37 @@ TEST_F(FileList, AnEditorThatIsGoneSaysNothing)
 TEST_F(FileList, TheRubberBandSelectsWhatItSpans)
 {
 	const InjectedUser::Picture before = it.window->Snapshot();
-	const auto shown = [&](int32 x, int32 y) {
-		return WaitUntil([&] { return it.window->Snapshot().At(x, y) != before.At(x, y); });
-	};
 	const BPoint to = Place("n", kModifiedColumn);
-	const int32 bottom = 250, left = 380, top = static_cast<int32>(to.y);
-	const auto begin = [&] {
-		float step = 10;
-		user.Press(left, bottom);
+	const int32 right = 380, bottom = 250;
+	const BRect start(right, bottom, right, bottom + 20), edge(right - 60, 150, right - 60, 240);
+	const auto changed = [&](BRect area) {
+		const InjectedUser::Picture now = it.window->Snapshot();
+		for (int32 y = static_cast<int32>(area.top); y <= static_cast<int32>(area.bottom); y++) {
+			if (now.At(static_cast<int32>(area.left), y) !=
+				before.At(static_cast<int32>(area.left), y))
+				return true;
+		}
+		return false;
+	};
+	// Where the band begins is where the pointer is at the first look after the press.
+	const auto begin = [&](const BRect& line) {
+		float step = 0;
+		user.Press(line.left, line.top);
 		EXPECT_TRUE(WaitUntil([&] {
-			user.Move(left, bottom + (step = step == 10 ? 20 : 10));
-			return it.window->Snapshot().At(left, bottom) != before.At(left, bottom);
+			user.Move(line.left, line.top + (step = step == 10 ? 20 : 10));
+			return changed(line);
 		}));
 	};
-	begin();
-	user.Move(left - 60, static_cast<float>(top));
-	ASSERT_TRUE(shown(left - 60, bottom));
-	user.Release(left - 60, static_cast<float>(top));
+	begin(start);
+	user.Move(right - 60, to.y);
+	EXPECT_TRUE(WaitUntil([&] { return changed(edge); }));
+	user.Release(right - 60, to.y);
 	EXPECT_TRUE(WaitUntil([&] { return Selected() == Strings{"n", "o"}; }));
 	it.window.Settle();
-	EXPECT_EQ(it.window->Snapshot().At(left, bottom), before.At(left, bottom)); // it has gone
+	EXPECT_FALSE(changed(start) || changed(edge)); // it has gone
 
-	begin();
-	user.Move(left + 3, bottom + 3);
-	ASSERT_TRUE(shown(left + 3, bottom + 3));
-	user.Release(left + 3, bottom + 3); // beside all rows
+	begin(start.OffsetByCopy(-30, 0));     // at the same place it would be a double click
+	user.Release(right - 30, bottom + 20); // beside all rows
 	EXPECT_TRUE(WaitUntil([&] { return Selected().empty(); }));
 }
 
@@ -439,6 +445,7 @@ TEST_F(FileList, KeysAtTheDropCountForAllFiles)
 	const BPoint to = Place("dir");
 	user.Move(to.x, to.y, B_SHIFT_KEY);
 	EXPECT_TRUE(user.Drop(to.x, to.y, {{"text/uri-list", uris}}, B_SHIFT_KEY));
+	ASSERT_TRUE(WaitUntil([&] { return tree.List("dir").size() > 1; }));
 	user.Move(1, 1); // the key is let go
 	EXPECT_TRUE(
 		WaitUntil([&] { return tree.List("dir").size() == static_cast<size_t>(count) + 1; }));
