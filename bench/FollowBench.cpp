@@ -15,6 +15,8 @@
 #include <kernel/OS.h>
 #include <storage/Entry.h>
 
+#include "kits/app/MessagePrivate.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
@@ -147,6 +149,18 @@ public:
 		return count;
 	}
 
+	// On the first row, which is a folder.
+	void Drop(BMessage& message)
+	{
+		Lock();
+		BPoint where = fList->ItemFrame(0).LeftTop();
+		where += BPoint(3, 3);
+		message.AddPoint("_drop_point_", fList->ConvertToScreen(where));
+		BPrivate::MessageAccess::SetDropped(message, true);
+		fList->RefsAdded(&message);
+		Unlock();
+	}
+
 private:
 	ItemView* fPane;
 	ItemListView* fList;
@@ -250,6 +264,34 @@ ChangeFolders(Window& window)
 		"MB", Bound::kAtMost, 5, "");
 }
 
+bool
+DropMany(Window& window)
+{
+	constexpr int kFiles = 10000;
+	const Folder from(kFiles), shown(0);
+	const std::string to = shown.path + "/a folder";
+	std::filesystem::create_directory(to);
+	window.Open(shown.ref);
+	BMessage drop(kMSG_DragFile);
+	drop.AddInt32(kName_DragButtons, B_PRIMARY_MOUSE_BUTTON);
+	for (const auto& entry : std::filesystem::directory_iterator(from.path)) {
+		entry_ref file;
+		get_ref_for_path(entry.path().c_str(), &file);
+		drop.AddRef(kName_Refs, &file);
+	}
+	window.Drop(drop);
+	double late = 0;
+	const bigtime_t end = system_time() + 60000000;
+	while (!std::filesystem::is_empty(from.path) && system_time() < end) {
+		late = std::max(late, window.Answer());
+		snooze(5000);
+	}
+	if (!std::filesystem::is_empty(from.path))
+		fprintf(stderr, "not all of %d files were moved\n", kFiles);
+	return PrintFigure(
+		"10,000 files are dropped: the longest answer", late, "ms", Bound::kAtMost, 100, "");
+}
+
 } // namespace
 
 int
@@ -262,6 +304,7 @@ main(int, char**)
 	bool good = CreateAndDelete(*window);
 	good &= DeleteAll(*window);
 	good &= AppendAllTheTime(*window);
+	good &= DropMany(*window);
 	good &= ChangeFolders(*window);
 	window->Lock();
 	window->Quit();

@@ -84,6 +84,7 @@ protected:
 	{
 		user.Click(where.x, where.y, kSecondary);
 		InjectedUser seen(menu);
+		EXPECT_TRUE(WaitUntil([&] { return seen.Snapshot().width > 0; }));
 		for (int32 i = 0; i < steps; i++)
 			seen.Key(std::string(1, B_DOWN_ARROW));
 		seen.KeyDown(std::string(1, steps > 0 ? B_ENTER : B_ESCAPE));
@@ -411,6 +412,7 @@ TEST_F(FileList, AnUnselectedRowIsDraggedAlone)
 	DragOverDir("n", kSecondary); // a press that does not select
 	user.Release(drop.x, drop.y, kSecondary);
 	InjectedUser menu("File"); // asks
+	EXPECT_TRUE(WaitUntil([&] { return menu.Snapshot().width > 0; }));
 	menu.Key("m");
 	menu.KeyDown(std::string(1, B_ENTER));
 	ExpectNames({"dir", "m", "o"});
