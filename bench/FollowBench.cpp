@@ -287,7 +287,9 @@ DropMany(Window& window)
 		snooze(5000);
 	}
 	if (!std::filesystem::is_empty(from.path))
-		fprintf(stderr, "not all of %d files were moved\n", kFiles);
+		fprintf(stderr, "%zu of %d files were not moved\n",
+			static_cast<size_t>(std::distance(std::filesystem::directory_iterator(from.path), {})),
+			kFiles);
 	return PrintFigure(
 		"10,000 files are dropped: the longest answer", late, "ms", Bound::kAtMost, 100, "");
 }

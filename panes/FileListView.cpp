@@ -5,7 +5,6 @@
 #include "panes/FileListView.h"
 
 #include "app/Messages.h"
-#include "clv/MouseDragOrPopupWatcher.h"
 #include "panes/FileListItem.h"
 #include "support/InvTextView.h"
 #include "support/dprint.h"
@@ -130,6 +129,9 @@ FileListView::MessageReceived(BMessage* message)
 		case MW_MOUSE_POPUP:
 			if (message->FindPoint("where", &where) != B_OK)
 				break;
+			// The watcher's first look may come late, when the pointer is over another row.
+			where = fWatchedPress.value_or(where);
+			fWatchedPress.reset();
 			if (message->what == MW_MOUSE_DRAG)
 				MouseDrag(where, *message);
 			else if (message->what == MW_MOUSE_CLICK)
@@ -174,7 +176,7 @@ FileListView::MouseDown(BPoint where)
 		if (clicks > 1)
 			TrackerLaunch(where);
 		else
-			StartMouseDragOrPopupWatcher(this, buttons, MW_HALF_CLICK);
+			WatchPress(where, buttons, MW_HALF_CLICK);
 		return;
 	}
 	const int32 column = IndexOfColumn(where);
@@ -182,7 +184,14 @@ FileListView::MouseDown(BPoint where)
 	if (clicks > 1 || onName)
 		ColumnListView::MouseDown(where);
 	else
-		StartMouseDragOrPopupWatcher(this, buttons, MW_TWO_CLICKS);
+		WatchPress(where, buttons, MW_TWO_CLICKS);
+}
+
+void
+FileListView::WatchPress(BPoint where, int32 buttons, mouse_watch_length length)
+{
+	if (StartMouseDragOrPopupWatcher(this, buttons, length) >= 0)
+		fWatchedPress = where;
 }
 
 // The watcher tells the buttons that are held at the end; the press had those in "data".

@@ -11,12 +11,14 @@
 #pragma once
 
 #include "clv/ColumnListView.h"
+#include "clv/MouseDragOrPopupWatcher.h"
 
 #include <app/Message.h>
 #include <storage/EntryRef.h>
 
 #include <deque>
 #include <memory>
+#include <optional>
 
 class BMenuItem;
 class BPopUpMenu;
@@ -69,6 +71,7 @@ private:
 	FileListItem* RowAt(BPoint where) const;
 
 	// The mouse
+	void WatchPress(BPoint where, int32 buttons, mouse_watch_length length);
 	void MouseClick(BPoint where, const BMessage& message);
 	void MouseDrag(BPoint where, const BMessage& message);
 	void SelectByRubberBand(BPoint where);
@@ -103,6 +106,7 @@ private:
 	BMenuItem* fItemPasteLink = nullptr;
 	BMenuItem* fEmptyPaste = nullptr;
 	BMenuItem* fEmptyPasteLink = nullptr;
+	std::optional<BPoint> fWatchedPress; // whose outcome a watcher will tell
 	bool fDragPending = false;
 	entry_ref* fParentRef = nullptr;
 	bool fInTrash = false;

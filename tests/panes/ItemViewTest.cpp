@@ -53,10 +53,14 @@ TEST(ItemView, ReadsAFolderAgainOnlyWhenForced)
 	missing.set_name("missing");
 	it.Do([&] { it.pane->SetFolder(&one, false); });
 	EXPECT_EQ(it.Names(), std::vector<std::string>{"1"});
+	it.Do([&] {
+		it.list->Select(0);
+		it.pane->SetFolder(&one, false);
+	});
+	EXPECT_EQ(it.list->CurrentSelection(), 0); // of the same row
 	tree.Add("one/more", Text());
-	it.Do([&] { it.pane->SetFolder(&one, false); });
-	EXPECT_EQ(it.Names(), std::vector<std::string>{"1"});
 	it.Do([&] { it.pane->Refresh(); });
+	EXPECT_LT(it.list->CurrentSelection(), 0);
 	EXPECT_EQ(it.Names(), (std::vector<std::string>{"1", "more"}));
 	// What cannot be opened leaves the rows as they are.
 	it.Do([&] { it.pane->SetFolder(&missing, false); });
