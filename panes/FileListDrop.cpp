@@ -68,7 +68,7 @@ FileListView::FindDropFolder(const BMessage& message, entry_ref* folder)
 	const FileListItem* row = RowAt(ConvertFromScreen(message.DropPoint()));
 	if (row != nullptr && !row->IsFolder())
 		row = nullptr;
-	if (fRowsMoved && (row != nullptr ? *row->GetRef() : entry_ref()) != fDropFolder)
+	if (fIsDragOver && fRowsMoved && (row != nullptr ? *row->GetRef() : entry_ref()) != fDropFolder)
 		return false;
 	const entry_ref* ref = row != nullptr ? row->GetRef() : fParentRef;
 	if (ref == nullptr)
