@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <thread>
 
 namespace {
@@ -19,8 +20,9 @@ using Numbers = std::vector<int32>;
 
 // A list of 300 by 200 pixels that fills its window.
 struct ListWindow {
-	explicit ListWindow(bool hierarchical) :
-		list(new TestList(hierarchical)), window(314, 214, list->container)
+	explicit ListWindow(bool hierarchical, float left = 0) :
+		list(new TestList(hierarchical, BRect(left, 0, left + 299, 199))),
+		window(314, 214, list->container)
 	{}
 	~ListWindow()
 	{
@@ -190,6 +192,26 @@ TEST(ColumnListWindow, DraggedEdgesResizeAndWhatIsShownStaysRight)
 	}
 }
 
+TEST(ColumnListWindow, EdgesCanBeDraggedWhereTheHeaderLiesBetweenPixels)
+{
+	for (const float left : {0.4f, 0.6f}) {
+		SCOPED_TRACE(left);
+		ListWindow it(false, left);
+		FillContents(it);
+		// The edge's line is in the nearest pixel, the next one's begin already the other column.
+		const int32 edge = 100 + static_cast<int32>(std::lround(left));
+		for (int32 x = edge - 1; x <= edge + 1; x++) {
+			it.User().Press(static_cast<float>(x), kHeaderY);
+			EXPECT_TRUE(WaitUntil([&] {
+				return it.RedIn(static_cast<float>(edge), static_cast<float>(edge)) == 14;
+			})) << x;
+			it.User().Release(static_cast<float>(x), kHeaderY);
+			EXPECT_TRUE(WaitUntil([&] { return it.RedIn(0, 313) == 0; })) << x;
+		}
+		EXPECT_TRUE(it.Under([&] { return KeysOf(it.list); }).empty());
+	}
+}
+
 TEST(ColumnListWindow, DraggedLabelsMoveTheirColumns)
 {
 	ListWindow it(false);
@@ -332,6 +354,19 @@ TEST(ColumnListWindow, RowsHearOfThePointer)
 	it.list->rows.erase(it.list->rows.begin() + 1);
 	move(BPoint(6, 5), B_INSIDE_VIEW);
 	EXPECT_EQ(heard(0), (Transits{B_ENTERED_VIEW}));
+	// As good as a new row at the address of one that was taken out.
+	for (const bool all : {false, true}) {
+		it.Under([&] {
+			TestRow* row = it.list->rows[0].get();
+			if (all)
+				it.list->MakeEmpty();
+			else
+				it.list->RemoveItem(row);
+			return it.list->AddItem(row, 0);
+		});
+		move(BPoint(6, 5), B_INSIDE_VIEW);
+		EXPECT_EQ(heard(0), (Transits{B_ENTERED_VIEW})) << all;
+	}
 }
 
 TEST(ColumnListWindow, ColumnsAndKeysMayBeChangedByAnyThread)

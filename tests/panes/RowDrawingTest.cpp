@@ -48,6 +48,17 @@ TEST(RowDrawing, EachCellIsFilledInAndEndsAtItsEdges)
 	EXPECT_NEAR(static_cast<float>(line), width + 1, 1.5f);
 	EXPECT_EQ(
 		Inked(picture, BRect(kind.left + 3 + width + 3, kind.top, kind.right, kind.bottom)), 0);
+	// Nor beyond its column.
+	it.Do([&] {
+		it.list->ColumnAt(kKindColumn)->SetWidth(20);
+		BFont font(*be_plain_font);
+		font.SetSize(24);
+		it.list->SetFont(&font);
+		it.list->Invalidate();
+	});
+	BRect next = it.Cell(1, kSizeColumn);
+	next.right = next.left + 1;
+	EXPECT_EQ(Inked(it.window->Snapshot(), next), 0);
 }
 
 TEST(RowDrawing, OddNamesAreReadableAndStayInTheirRows)
