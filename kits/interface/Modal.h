@@ -50,8 +50,8 @@ public:
 	// Who releases the semaphore calls this afterwards, for a looper that sleeps. Any thread, and
 	// longer than the call lives.
 	std::function<void()> Waker() const;
-	// Until the semaphore is released. `askedToQuit` is called each time that the thread's looper
-	// is seen to have been asked to quit.
+	// Until the semaphore is released; a window's thread takes its own cursor off. `askedToQuit` is
+	// called each time that the thread's looper is seen to have been asked to quit.
 	void Wait(sem_id done, const std::function<void()>& askedToQuit);
 
 private:

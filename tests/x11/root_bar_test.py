@@ -6,6 +6,7 @@ import os
 import random
 import unittest
 
+from cursor_test import Server
 from desktop import X11Test, wait_until
 
 WHITE = (255, 255, 255)
@@ -58,8 +59,16 @@ class RootBar(X11Test):
         self.assertNotEqual(*alerts)  # each says what is wrong
 
     def test_menu_offers_the_folders_above(self):
-        self.korva.click(*BEHIND_TEXT, button=3)
+        server = Server(self.display.name)
+        self.addCleanup(server.close)
+        arrow = server.cursor()
+        left, top, *_ = self.korva.frame()
+        self.display.do("xdotool", "mousemove", str(left + BEHIND_TEXT[0]),
+                        str(top + BEHIND_TEXT[1]))
+        wait_until(lambda: server.cursor() != arrow, "the beam over the text")
+        self.display.do("xdotool", "click", "3")
         self.korva.window("directories")
+        wait_until(lambda: server.cursor() == arrow, "the arrow over the menu")
         self.display.press("Up", "Return")
         wait_until(lambda: self.korva.find_window("directories") is None, "the menu's end")
         self.focus()
