@@ -8,6 +8,7 @@ import unittest
 
 from cursor_test import Server
 from desktop import X11Test, wait_until
+from interchange_test import DRAG, Peer
 
 WHITE = (255, 255, 255)
 FIELD = (45, 9, 152, 24)  # the inside of its box
@@ -57,6 +58,44 @@ class RootBar(X11Test):
             self.focus()
             self.wait_for_text(self.folder)
         self.assertNotEqual(*alerts)  # each says what is wrong
+
+    def drag_onto_the_field(self, path, done):
+        """From another program, until that is done."""
+        peer = Peer(self.display, [DRAG], "other", "600", "100", path)
+        self.addCleanup(peer.end)
+        x, y, *_ = peer.frame()
+        left, top, *_ = self.korva.frame()
+
+        def move(x, y):
+            self.display.do("xdotool", "mousemove", str(x), str(y))
+
+        def drag():
+            move(x + 20, y + 20)
+            self.display.do("xdotool", "mousedown", "1")
+            for step in range(4):
+                move(x + 24 + 4 * step, y + 24)
+            for step in range(10):  # whoever is dragged over must have time to see it
+                move(left + BEHIND_TEXT[0] - step, top + BEHIND_TEXT[1])
+            self.display.do("xdotool", "mouseup", "1")
+            try:
+                return wait_until(done, "the drop", 2)
+            except AssertionError:
+                return False
+        wait_until(drag, f"a drop of {path}")
+        peer.end()
+
+    def test_dropped_folder_becomes_the_root_and_a_dropped_file_does_not(self):
+        rows = self.first.part(*LEFT_ROWS)
+        self.drag_onto_the_field(
+            self.folder + "/inside", lambda: self.korva.picture().part(*LEFT_ROWS) != rows)
+        self.focus()
+        self.wait_for_text(self.folder + "/inside")
+        self.drag_onto_the_field(
+            self.folder + "/file", lambda: self.korva.find_window("Error"))
+        self.display.press("Return")
+        wait_until(lambda: self.korva.find_window("Error") is None, "the end of the alert")
+        self.focus()
+        self.wait_for_text(self.folder + "/inside")
 
     def test_menu_offers_the_folders_above(self):
         server = Server(self.display.name)
