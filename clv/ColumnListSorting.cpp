@@ -179,6 +179,7 @@ ColumnListView::SortItems()
 		fComparedColumns.emplace_back(IndexOfColumn(key), key->SortMode() == CLV_SORT_DESCENDING);
 	if (fHierarchical) {
 		SortOutline();
+		RowsChanged();
 		return;
 	}
 	std::vector<CLVListItem*> items = fRows.Copy();
@@ -188,6 +189,7 @@ ColumnListView::SortItems()
 	for (int32 i = 0; i < CountItems(); i++)
 		items[static_cast<size_t>(i)] = static_cast<CLVListItem*>(ItemAt(i));
 	fRows.Reorder(items);
+	RowsChanged();
 }
 
 namespace {

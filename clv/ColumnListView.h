@@ -121,6 +121,10 @@ public:
 	void ScrollTo(BPoint where) override;
 	using BListView::ScrollTo;
 
+protected:
+	// After rows were added, removed, shown, hidden or sorted, and when columns have moved.
+	virtual void RowsChanged();
+
 private:
 	friend class CLVColumn;
 	friend class CLVColumnLabelView;
@@ -147,7 +151,6 @@ private:
 	bool AddRows(const BList& items, int32 index);
 	bool FitsAt(const CLVListItem& item, int32 index, bool* visible) const;
 	void TakeOverRowsBehind(int32 index, int32 end);
-	void RowsChanged();
 	void ShowOrHideUnder(int32 index);
 	template <typename Visit>
 	CLVListItem* VisitUnder(const CLVListItem* item, bool directOnly, Visit visit) const;

@@ -8,9 +8,7 @@
 #include <support/List.h>
 
 ItemListView::ItemListView(BRect frame, BScrollView** container) :
-	ColumnListView(frame, container, "itemlist", B_FOLLOW_ALL_SIDES,
-		B_WILL_DRAW | B_PULSE_NEEDED | B_FRAME_EVENTS | B_NAVIGABLE, B_MULTIPLE_SELECTION_LIST,
-		false, true, true, B_FANCY_BORDER, be_plain_font)
+	FileListView(frame, container, "itemlist", B_MULTIPLE_SELECTION_LIST, false)
 {}
 
 ItemListView::~ItemListView()
@@ -41,10 +39,10 @@ ItemListView::Display(BDirectory& folder)
 	SortItems();
 }
 
-void
-ItemListView::SelectAll()
+int8
+ItemListView::GetPane()
 {
-	Select(0, CountItems() - 1);
+	return 'I';
 }
 
 ItemListItem*

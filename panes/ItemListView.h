@@ -6,20 +6,20 @@
 
 #pragma once
 
-#include "clv/ColumnListView.h"
+#include "panes/FileListView.h"
 
 class BDirectory;
 class ItemListItem;
 
-class ItemListView : public ColumnListView {
+class ItemListView : public FileListView {
 public:
 	ItemListView(BRect frame, BScrollView** container);
 	~ItemListView() override;
 
 	// Replaces the rows by those of the folder's entries, sorted.
 	void Display(BDirectory& folder);
-	void SelectAll();
 	ItemListItem* RowAt(int32 index) const; // null when out of range
+	int8 GetPane() override;
 
 private:
 	void DeleteRows();

@@ -5,6 +5,7 @@
 #include <app/Looper.h>
 #include <app/MessagePrivate.h>
 
+#include "kits/app/FileManager.h"
 #include "kits/app/LooperCore.h"
 
 #include <unistd.h>
@@ -12,6 +13,12 @@
 using BPrivate::LooperCore;
 using BPrivate::LooperRegistry;
 using BPrivate::MessageAccess;
+
+namespace {
+
+constexpr int64 kFileManager = -1;
+
+} // namespace
 
 BMessenger::BMessenger() = default;
 
@@ -42,14 +49,17 @@ BMessenger::BMessenger(const char* signature, team_id team, status_t* error)
 {
 	if (team < 0 || team == getpid())
 		*this = BPrivate::RunningApplication(signature);
+	if (!fCore && team < 0 && BPrivate::IsFileManagerSignature(signature) &&
+		BPrivate::FileManagerIsRunning())
+		fToken = kFileManager;
 	if (error != nullptr)
-		*error = fCore ? B_OK : B_BAD_VALUE;
+		*error = fCore || fToken == kFileManager ? B_OK : B_BAD_VALUE;
 }
 
 bool
 BMessenger::IsValid() const
 {
-	return fCore && !fCore->IsClosed();
+	return fCore ? !fCore->IsClosed() : fToken == kFileManager;
 }
 
 bool
@@ -83,6 +93,8 @@ BMessenger::Target(BLooper** looper) const
 status_t
 BMessenger::_Send(std::unique_ptr<BMessage> message) const
 {
+	if (fToken == kFileManager)
+		return BPrivate::SendToFileManager(*message);
 	if (!fCore)
 		return B_BAD_PORT_ID;
 	if (fToken == 0)

@@ -26,11 +26,12 @@ public:
 	explicit BMessenger(
 		const BHandler* handler, const BLooper* looper = nullptr, status_t* error = nullptr);
 
-	// The application of that signature; only that of this process is ever found. `team`: its
-	// process, or any by -1. B_BAD_VALUE: none such runs.
+	// The application of that signature: that of this process, or the desktop's file manager
+	// ("application/x-vnd.Be-TRAK"), which may have to be started by the first message and takes
+	// only B_REFS_RECEIVED. `team`: its process, or any by -1. B_BAD_VALUE: none such runs.
 	explicit BMessenger(const char* signature, team_id team = -1, status_t* error = nullptr);
 
-	bool IsValid() const; // the target's looper still exists
+	bool IsValid() const; // the target's looper still exists; the file manager was there
 
 	// Locks the target's looper. False without a target or when looper or handler are gone.
 	// Undone by Unlock() on the looper from Target().
@@ -56,5 +57,5 @@ private:
 	status_t _Send(std::unique_ptr<BMessage> message) const;
 
 	std::shared_ptr<BPrivate::LooperCore> fCore;
-	int64 fToken = 0; // the handler's; 0: the looper's preferred handler
+	int64 fToken = 0; // the handler's; 0: the looper's preferred handler; -1: the file manager
 };

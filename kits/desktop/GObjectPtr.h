@@ -24,6 +24,9 @@ struct GRelease {
 template <typename T>
 using GObjectPtr = std::unique_ptr<T, GRelease<g_object_unref>>;
 
+using GErrorPtr = std::unique_ptr<GError, GRelease<g_error_free>>;
+using GVariantPtr = std::unique_ptr<GVariant, GRelease<g_variant_unref>>;
+
 using GText = std::unique_ptr<char, GRelease<g_free>>;
 
 } // namespace desktop

@@ -6,6 +6,7 @@
 #include "FontCache.h"
 #include "Input.h"
 #include "JobQueue.h"
+#include "OwnVariables.h"
 #include "SessionBus.h"
 #include "Signals.h"
 #include "StandardFiles.h"
@@ -56,7 +57,8 @@ SetLocale()
 void
 SetDefault(const char* variable, const char* value)
 {
-	setenv(variable, value, 0);
+	if (std::getenv(variable) == nullptr)
+		SetOwnVariable(variable, value);
 }
 
 void

@@ -4,6 +4,8 @@
 
 #include "SessionBus.h"
 
+#include "OwnVariables.h"
+
 #include <chrono>
 #include <cstddef>
 #include <cstdio>
@@ -120,8 +122,10 @@ Answers(const std::string& name)
 	return alive;
 }
 
+} // namespace
+
 std::string
-BusAddress()
+SessionBusAddress()
 {
 	if (const char* address = std::getenv(kVariable))
 		return address;
@@ -129,17 +133,15 @@ BusAddress()
 	return runtime != nullptr ? std::string("unix:path=") + runtime + "/bus" : std::string();
 }
 
-} // namespace
-
 void
 AvoidHangingBus()
 {
-	const std::string address = BusAddress();
+	const std::string address = SessionBusAddress();
 	const auto name = SocketName(address);
 	// With no address at all a new bus would be launched, which no one asked for.
 	const bool usable = name ? !name->empty() && Answers(*name) : !address.empty();
 	if (!usable)
-		setenv(kVariable, kNoBus, 1);
+		SetOwnVariable(kVariable, kNoBus);
 }
 
 } // namespace desktop

@@ -170,8 +170,11 @@ TEST_F(KorvaWindowTest, PanesLieWhereTheyBelongAndFollowTheWindow)
 TEST_F(KorvaWindowTest, AFolderChangeIsToldToAllButItsSource)
 {
 	EXPECT_EQ(Notes({"top SFld", "items SFld"}), Route(Change(outline, "a dir")));
-	EXPECT_EQ(Notes({"items SFld", "outline SFld"}), Route(Change(top, "a dir")));
-	EXPECT_EQ(Notes({"top SFld", "items SFld", "outline SFld"}), Route(Change(items, "b dir")));
+	// The tree selects the folder's row and says so in turn.
+	EXPECT_EQ(Notes({"items SFld", "outline SFld", "top SFld", "items SFld"}),
+		Route(Change(top, "a dir")));
+	EXPECT_EQ(Notes({"top SFld", "items SFld", "outline SFld", "top SFld", "items SFld"}),
+		Route(Change(items, "b dir")));
 	EXPECT_EQ(Notes({"inside"}), Rows(items));
 	EXPECT_EQ(Notes({}), Route(Change(nullptr, "a dir")));
 	EXPECT_EQ(Notes({"inside"}), Rows(items));
@@ -220,7 +223,7 @@ TEST_F(KorvaWindowTest, ClicksChooseFoldersAndDoubleClicksEnterThem)
 	user.Click(second.x, second.y);
 	Settle();
 	EXPECT_EQ(Notes({"inside"}), Rows(items));
-	// From the right the tree follows, and does not ask back.
+	// From the right the tree follows, and tells of the row that it has selected.
 	Route(Change(top, "."));
 	notes.clear();
 	BPoint first = nameOf(items, 0);
@@ -228,7 +231,7 @@ TEST_F(KorvaWindowTest, ClicksChooseFoldersAndDoubleClicksEnterThem)
 	user.Click(first.x, first.y);
 	Settle();
 	EXPECT_EQ(Notes({}), Rows(items));
-	EXPECT_EQ(Notes({"top SFld", "items SFld", "outline SFld"}), notes);
+	EXPECT_EQ(Notes({"top SFld", "items SFld", "outline SFld", "top SFld", "items SFld"}), notes);
 	Locked lock(window);
 	EXPECT_EQ(1, ListIn(outline)->CurrentSelection());
 }

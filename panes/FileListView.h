@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+
+// FileListView: the list of files that both panes are built on. What a press of the mouse means
+// (selecting, dragging, a menu, opening), the two context menus, renaming in place, the Delete key,
+// what is dropped and pasted.
+//
+// Its rows are FileListItems, which it does not own. The pane above it gets what it does not
+// handle, first of all kMSG_Refresh whenever something should be read again.
+// Thread: the window's. While a menu is open the window repaints but handles nothing.
+
+#pragma once
+
+#include "clv/ColumnListView.h"
+
+#include <storage/EntryRef.h>
+
+#include <memory>
+
+class BMenuItem;
+class BPopUpMenu;
+class FileListItem;
+class InvocableTextView;
+
+class FileListView : public ColumnListView {
+public:
+	FileListView(BRect frame, BScrollView** container, const char* name, list_view_type type,
+		bool hierarchical);
+	~FileListView() override;
+
+	// The folder whose entries are shown; borrowed, may be null. In the trash, deleting is for
+	// good.
+	void SetParentRef(entry_ref* ref);
+	void SelectAll();
+	// A drop or B_PASTE: begins to move, copy or link the files into the folder under a drop, or
+	// else into the one that is shown.
+	void RefsAdded(BMessage* message);
+	// Ends renaming without a trace; for a pane whose rows become others.
+	void CloseEditor();
+
+	// For subclasses. The menus are built once; setting them up leaves in `ref` what a choice of
+	// Paste or Paste Link then means.
+	virtual void BuildItemContextMenu();
+	virtual void BuildEmptyContextMenu();
+	virtual void SetupItemContextMenu(FileListItem* item, entry_ref* ref);
+	virtual void SetupEmptyContextMenu(entry_ref* ref);
+	// Where Paste in a menu puts files, for a row or null; null forbids it.
+	virtual entry_ref* GetParentRef(FileListItem* item);
+	// Asks the pane to read again what changed in this folder; null means whatever is shown.
+	virtual void RefreshFolder(const entry_ref* ref);
+	virtual void InvokeItem(int32 index);
+	virtual int8 GetPane(); // its code in drags
+
+	// BListView
+	void MessageReceived(BMessage* message) override;
+	void MouseDown(BPoint where) override;
+	void MouseMoved(BPoint where, uint32 transit, const BMessage* drag) override;
+	void KeyDown(const char* bytes, int32 numBytes) override;
+	void Pulse() override {}
+	void SelectionChanged() override;
+	bool InitiateDrag(BPoint where, int32 index, bool wasSelected) override;
+
+protected:
+	void RowsChanged() override;
+
+private:
+	FileListItem* RowAt(int32 index) const; // among the visible ones, or null
+	FileListItem* RowAt(BPoint where) const;
+
+	// The mouse
+	void MouseClick(BPoint where, const BMessage& message);
+	void MouseDrag(BPoint where, const BMessage& message);
+	void DragItem(FileListItem* row, const BMessage& message);
+
+	// The menus
+	void PopupMenu(BPoint where);
+	void PopupItemMenu(FileListItem* row, BPoint where);
+	void PopupEmptyMenu(BPoint where);
+	void PasteFromMenu(const BMessage& chosen, const entry_ref& source, FileListItem* row);
+
+	// Renaming
+	void StartRename(FileListItem* row);
+	BRect EditorFrame() const;
+	void EditorDone(const BMessage& message);
+
+	// Drops
+	bool FindDropFolder(const BMessage& message, entry_ref* folder);
+
+	std::unique_ptr<BPopUpMenu> fItemMenu;
+	std::unique_ptr<BPopUpMenu> fEmptyMenu;
+	BMenuItem* fItemPaste = nullptr; // the menus' items
+	BMenuItem* fItemPasteLink = nullptr;
+	BMenuItem* fEmptyPaste = nullptr;
+	BMenuItem* fEmptyPasteLink = nullptr;
+	bool fDragPending = false;
+	entry_ref* fParentRef = nullptr;
+	bool fInTrash = false;
+	InvocableTextView* fEditor = nullptr; // a child
+
+	// Of these three rows only the addresses are used until they are known to be here.
+	FileListItem* fPressedRow = nullptr; // on which a drag begins
+	FileListItem* fEditedRow = nullptr;
+	FileListItem* fDropRow = nullptr; // the folder that a drag was over when the pointer moved last
+	bool fRowsMoved = false;          // since then
+};
+
+// Enables the two items when the clipboard holds a file that is there still, and stores it.
+void TestClipboard(entry_ref* ref, BMenuItem* paste, BMenuItem* pasteLink);
