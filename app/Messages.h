@@ -29,6 +29,10 @@ enum : uint32 {
 	kMSG_Refresh = 'Rfsh',
 	kMSG_ForceRefresh = 'FRfh',
 
+	// A list to itself, behind the messages that wait.
+	kMSG_ShowChanges = 'ShCh',
+	kMSG_GoOnDropping = 'GoDr',
+
 	// The in-place editor: "view" pointer to it, "invoked" bool, "text" string.
 	kMSG_TextEditInvoke = 'TE:i',
 	kMSG_TextEditEscape = 'TE:e',

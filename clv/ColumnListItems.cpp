@@ -155,6 +155,29 @@ ColumnListView::RemoveItems(int32 index, int32 count)
 }
 
 void
+ColumnListView::RemoveRows(const std::vector<CLVListItem*>& items)
+{
+	if (fHierarchical) {
+		for (CLVListItem* item : items)
+			RemoveItem(item);
+		return;
+	}
+	std::vector<int32> rows;
+	rows.reserve(items.size());
+	for (CLVListItem* item : items) {
+		if (const int32 row = fRows.IndexOf(item); row >= 0)
+			rows.push_back(row);
+	}
+	std::sort(rows.begin(), rows.end());
+	rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+	if (rows.empty() || !BListView::RemoveRows(rows))
+		return;
+	for (auto row = rows.rbegin(); row != rows.rend(); ++row)
+		fRows.Remove(*row, 1);
+	RowsChanged();
+}
+
+void
 ColumnListView::MakeEmpty()
 {
 	BListView::MakeEmpty();

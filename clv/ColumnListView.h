@@ -83,6 +83,9 @@ public:
 	virtual bool RemoveItem(CLVListItem* item); // with all rows below it, as the next two
 	BListItem* RemoveItem(int32 index) override;
 	bool RemoveItems(int32 index, int32 count) override;
+	// Rows anywhere in the list, with all below them; as quickly as one when there is no outline.
+	// Those that are not here are passed over.
+	void RemoveRows(const std::vector<CLVListItem*>& items);
 	void MakeEmpty() override;
 	virtual void Expand(CLVListItem* item);
 	virtual void Collapse(CLVListItem* item);

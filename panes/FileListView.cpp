@@ -11,18 +11,23 @@
 #include "support/dprint.h"
 #include "xfer/FileXFer.h"
 
+#include <app/Messenger.h>
+#include <app/Roster.h>
 #include <interface/PopUpMenu.h>
 #include <interface/Window.h>
 #include <storage/Entry.h>
 #include <storage/FindDirectory.h>
 #include <storage/Path.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
 
 constexpr uint32 kDebugLevel = 8;
 constexpr int32 kNameColumn = 1; // up to here a press selects
+constexpr bigtime_t kRubberBandInterval = 30000;
+constexpr const char* kFileManager = "application/x-vnd.Be-TRAK";
 
 int32
 Buttons(const BMessage& message, int32 otherwise = 0)
@@ -163,7 +168,9 @@ FileListView::MouseDown(BPoint where)
 		press->FindInt32("clicks", &clicks);
 	Debug.StdOut(kDebugLevel, "%ld clicks\n", static_cast<long>(clicks));
 	if (!IsPrimary(buttons)) {
-		if (clicks < 2)
+		if (clicks > 1)
+			TrackerLaunch(where);
+		else
 			StartMouseDragOrPopupWatcher(this, buttons, MW_HALF_CLICK);
 		return;
 	}
@@ -194,9 +201,45 @@ FileListView::MouseDrag(BPoint where, const BMessage& message)
 {
 	Debug.StdOut(kDebugLevel, "MouseDrag( %f , %f )\n", double(where.x), double(where.y));
 	if (IsPrimary(Buttons(message)))
-		return;
-	if (FileListItem* row = RowAt(where))
+		SelectByRubberBand(where);
+	else if (FileListItem* row = RowAt(where))
 		DragItem(row, message);
+}
+
+// Reads the mouse itself: the window handles nothing until the button is released.
+void
+FileListView::SelectByRubberBand(BPoint where)
+{
+	BPoint end = where;
+	uint32 buttons;
+	BeginRectTracking(BRect(where.x, where.y, where.x, where.y), B_TRACK_RECT_CORNER);
+	for (GetMouse(&end, &buttons, false); buttons != 0; GetMouse(&end, &buttons, false))
+		snooze(kRubberBandInterval);
+	EndRectTracking();
+	if (IsEmpty())
+		return;
+	const BRect first = ItemFrame(0);
+	const float top = std::max(std::min(where.y, end.y), first.top);
+	const float bottom = std::min(std::max(where.y, end.y), ItemFrame(CountItems() - 1).bottom);
+	const float middle = (first.left + first.right) / 2;
+	const int32 from = BListView::IndexOf(BPoint(middle, top));
+	const int32 to = BListView::IndexOf(BPoint(middle, bottom));
+	if (from < 0 || to < from)
+		DeselectAll(); // beside all rows
+	else
+		Select(from, to);
+}
+
+// Opens the row in the desktop's file manager, if there is one.
+void
+FileListView::TrackerLaunch(BPoint where)
+{
+	const FileListItem* row = RowAt(where);
+	if (row == nullptr || !be_roster->IsRunning(kFileManager))
+		return;
+	BMessage message(B_REFS_RECEIVED);
+	message.AddRef(kName_Refs, row->GetRef());
+	BMessenger(kFileManager).SendMessage(&message);
 }
 
 void

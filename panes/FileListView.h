@@ -69,6 +69,8 @@ private:
 	// The mouse
 	void MouseClick(BPoint where, const BMessage& message);
 	void MouseDrag(BPoint where, const BMessage& message);
+	void SelectByRubberBand(BPoint where);
+	void TrackerLaunch(BPoint where);
 	void DragItem(FileListItem* row, const BMessage& message);
 
 	// The menus

@@ -20,6 +20,7 @@ public:
 	static long min(long a, long b) { return b < a ? b : a; }
 	static long max(long a, long b) { return a < b ? b : a; }
 
-private:
-	static Benaphore fStrErrorLock; // transfers may report errors at the same time
+	// Held while a system's error text is asked for and copied; transfers may do so at the same
+	// time.
+	static Benaphore fStrErrorLock;
 };

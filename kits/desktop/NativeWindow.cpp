@@ -129,9 +129,12 @@ NativeWindow::Scale()
 }
 
 void
-NativeWindow::Present(const Canvas& canvas, const PixelRegion& region)
+NativeWindow::Present(const Canvas& canvas, const PixelRegion& region, const PixelRegion& inverted)
 {
-	CallGui([&] { fPeer->window->TakePicture(*canvas.fData, PixelRegionAccess::Of(region)); });
+	CallGui([&] {
+		fPeer->window->TakePicture(
+			*canvas.fData, PixelRegionAccess::Of(region), PixelRegionAccess::Of(inverted));
+	});
 }
 
 } // namespace desktop

@@ -137,8 +137,9 @@ public:
 
 	// Shows `region` of the canvas, and returns when its pixels were taken over. After a resize the
 	// first canvas of the new size is shown whole; until it comes (40 ms at most) the window keeps
-	// what it shows, then the old picture is padded with grey.
-	void Present(const Canvas& canvas, const PixelRegion& region);
+	// what it shows, then the old picture is padded with grey. The pixels of `inverted` are shown
+	// with the opposite colours.
+	void Present(const Canvas& canvas, const PixelRegion& region, const PixelRegion& inverted = {});
 
 private:
 	friend struct NativeWindowAccess;

@@ -153,7 +153,7 @@ PeerWindow::StoreImage()
 }
 
 void
-PeerWindow::TakePicture(const CanvasData& canvas, const QRegion& region)
+PeerWindow::TakePicture(const CanvasData& canvas, const QRegion& region, const QRegion& inverted)
 {
 	if (handle() == nullptr)
 		return; // ShowFirst() brings everything; Wayland's pictures need the surface anyway
@@ -173,6 +173,8 @@ PeerWindow::TakePicture(const CanvasData& canvas, const QRegion& region)
 	if (IsNewStore())
 		part = QRect(QPoint(), fStore.size());
 	CopyPixels(canvas, part);
+	if (!inverted.isEmpty())
+		InvertPixels(part & inverted);
 	fStore.endPaint();
 	if (size == this->size() && fLatePicture.isActive()) {
 		fLatePicture.stop();
@@ -216,6 +218,15 @@ PeerWindow::CopyPixels(const CanvasData& canvas, const QRegion& region)
 			std::memcpy(bits + y * target->bytesPerLine() + part.left() * 4,
 				canvas.Row(y) + part.left(), bytes);
 	}
+}
+
+void
+PeerWindow::InvertPixels(const QRegion& region)
+{
+	QPainter painter(fStore.paintDevice());
+	painter.setCompositionMode(QPainter::CompositionMode_Difference);
+	for (const QRect& rect : region)
+		painter.fillRect(rect, Qt::white);
 }
 
 void

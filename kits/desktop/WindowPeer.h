@@ -24,7 +24,7 @@ public:
 
 	void ShowFirst(const CanvasData& canvas, QWindow* parent);
 	void Activate();
-	void TakePicture(const CanvasData& canvas, const QRegion& region);
+	void TakePicture(const CanvasData& canvas, const QRegion& region, const QRegion& inverted = {});
 	void ResizeContent(const QSize& size);
 	void SetTextInput(bool wanted, const QRect& caret);
 	// Another program has the pointer, or had it: tells the client what it has missed.
@@ -59,6 +59,7 @@ private:
 	QImage* StoreImage();
 	bool IsNewStore();
 	void CopyPixels(const CanvasData& canvas, const QRegion& region);
+	void InvertPixels(const QRegion& region);
 	void FlushAll();
 	void PadPicture();
 	void TellSize();

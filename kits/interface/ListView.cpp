@@ -127,6 +127,41 @@ BListView::RemoveItems(int32 index, int32 count)
 	return true;
 }
 
+bool
+BListView::RemoveRows(const std::vector<int32>& rows)
+{
+	const int32 before = CountItems();
+	if (rows.empty() || rows.front() < 0 || rows.back() >= before)
+		return false;
+	bool changed = false;
+	for (int32 row : rows)
+		changed |= MarkRows(row, row, false);
+	if (changed)
+		TellSelection();
+	if (CountItems() != before) // by the hook just called
+		return false;
+	const double oldTotal = fLayout.TotalHeight();
+	void** items = static_cast<void**>(fItems.Items());
+	int32 kept = rows.front();
+	for (size_t i = 0; i < rows.size(); i++) {
+		const int32 end = i + 1 < rows.size() ? rows[i + 1] : before;
+		std::copy(items + rows[i] + 1, items + end, items + kept);
+		kept += end - rows[i] - 1;
+	}
+	fItems.RemoveItems(kept, before - kept);
+	for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
+		fSelection.RowsRemoved(*row, 1);
+		MoveMarks(
+			[](int32 mark, int32 at, int32) {
+				return mark < at ? mark : mark == at ? -1 : mark - 1;
+			},
+			*row, 1);
+		fLayout.Remove(*row, 1);
+	}
+	LayoutChanged(rows.front(), oldTotal);
+	return true;
+}
+
 void
 BListView::MakeEmpty()
 {

@@ -95,6 +95,11 @@ public:
 	using BView::ScrollTo;
 	void TargetedByScrollView(BScrollView* scrollView) override;
 
+protected:
+	// Of different places in the list, in ascending order, as quickly as one. False, and nothing
+	// done, for an index that does not fit.
+	bool RemoveRows(const std::vector<int32>& rows);
+
 private:
 	// What the release without a drag will do to the row under a press.
 	enum class Deferred { kNothing, kSelectAlone, kToggleOff };

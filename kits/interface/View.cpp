@@ -13,6 +13,7 @@
 #include "kits/interface/WindowSurface.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 BView::State::State(const State& other)
@@ -286,13 +287,56 @@ BView::GetMouse(BPoint* where, uint32* buttons, bool checkQueue) const
 		if (!inDrop)
 			held = now.buttons;
 	}
-	if (where != nullptr) {
-		double x = 0, y = 0;
-		_Offset(&x, &y);
-		where->Set(static_cast<float>(inWindow.x - x), static_cast<float>(inWindow.y - y));
-	}
+	double x = 0, y = 0;
+	_Offset(&x, &y);
+	const BPoint inView(static_cast<float>(inWindow.x - x), static_cast<float>(inWindow.y - y));
+	if (where != nullptr)
+		*where = inView;
+	if (fWindow != nullptr && fWindow->fSurface->Tracking().view == this)
+		_ShowOutline(fWindow->fSurface->Tracking().RectAt(inView));
 	if (buttons != nullptr)
 		*buttons = held;
+}
+
+void
+BView::BeginRectTracking(BRect rect, uint32 how)
+{
+	if (fWindow == nullptr)
+		return;
+	BPoint pointer;
+	EndRectTracking();
+	GetMouse(&pointer, nullptr, false);
+	fWindow->fSurface->Tracking() = {this, rect, how == B_TRACK_RECT_CORNER, pointer};
+	_ShowOutline(rect);
+}
+
+void
+BView::EndRectTracking()
+{
+	if (fWindow == nullptr || fWindow->fSurface->Tracking().view != this)
+		return;
+	fWindow->fSurface->EndTracking(this);
+	fWindow->Flush();
+}
+
+// At once, since those who follow the mouse do not return to the window's loop.
+void
+BView::_ShowOutline(BRect rect) const
+{
+	double x = 0, y = 0;
+	_Offset(&x, &y);
+	const auto pixel = [](float position, double offset) {
+		return static_cast<int32>(std::floor(double(position) + offset + 0.5));
+	};
+	const desktop::PixelRect whole = {pixel(std::min(rect.left, rect.right), x),
+		pixel(std::min(rect.top, rect.bottom), y), pixel(std::max(rect.left, rect.right), x),
+		pixel(std::max(rect.top, rect.bottom), y)};
+	desktop::PixelRegion outline(whole);
+	outline.Exclude(
+		desktop::PixelRect{whole.left + 1, whole.top + 1, whole.right - 1, whole.bottom - 1});
+	outline.IntersectWith(_VisibleRegion());
+	if (fWindow->fSurface->SetOutline(outline))
+		fWindow->Flush();
 }
 
 void

@@ -189,6 +189,11 @@ public:
 	// checkQueue: takes the oldest mouse message off the window's queue, if there is one. Else,
 	// and without: the live state. Any thread that holds the window's lock.
 	void GetMouse(BPoint* where, uint32* buttons, bool checkQueue = true) const;
+	// Shows an outline above everything in the view, which GetMouse() of this view moves along:
+	// the whole of it, or its right bottom corner, which goes to the pointer even to negative
+	// sizes. One in a window; it goes with the view.
+	void BeginRectTracking(BRect rect, uint32 how = B_TRACK_WHOLE_RECT);
+	void EndRectTracking();
 
 	// Dragging. The message is copied; what is shown with the pointer is the outline of `rect`, or
 	// the bitmap (deleted here) with `offset` at the pointer. Begins with the buttons that are
@@ -262,6 +267,7 @@ private:
 	void _Drag(
 		const BMessage& message, desktop::DragImage image, BPoint offset, const BHandler* replyTo);
 	void _CollectTokens(std::vector<int64>& tokens) const; // of this view and all below
+	void _ShowOutline(BRect rect) const;
 
 	BRect fFrame;
 	// Left top of Bounds(). Double, since float loses whole pixels far down a long list.

@@ -201,6 +201,7 @@ BWindow::_ViewDetached(BView* view)
 	if (fDefaultButton == view) // a button that is deleted gets no hook of its own any more
 		fDefaultButton = nullptr;
 	fSurface->ForgetClip();
+	fSurface->EndTracking(view);
 }
 
 void

@@ -106,12 +106,39 @@ WindowSurface::TakeClip(const BView* view)
 	return true;
 }
 
+BRect
+WindowSurface::RectTracking::RectAt(BPoint pointer) const
+{
+	const BPoint way = pointer - start;
+	return corner ? BRect(rect.left, rect.top, pointer.x, pointer.y) : rect.OffsetByCopy(way);
+}
+
+void
+WindowSurface::EndTracking(const BView* view)
+{
+	if (fTracking.view != view)
+		return;
+	fTracking = RectTracking();
+	SetOutline(desktop::PixelRegion());
+}
+
+bool
+WindowSurface::SetOutline(const desktop::PixelRegion& outline)
+{
+	if (outline == fOutline)
+		return false;
+	AddDrawn(fOutline);
+	AddDrawn(outline);
+	fOutline = outline;
+	return true;
+}
+
 void
 WindowSurface::Show()
 {
 	if (fNative && fCanvas && !fDrawn.IsEmpty()) {
 		fDrawn.IntersectWith(Bounds());
-		fNative->Present(*fCanvas, fDrawn);
+		fNative->Present(*fCanvas, fDrawn, fOutline);
 	}
 	fDrawn.MakeEmpty();
 	fDeadline = fDamage.IsEmpty() ? B_INFINITE_TIMEOUT : system_time() + kLongestWait;

@@ -51,6 +51,19 @@ public:
 	bool TakeClip(const BView* view);
 	void ForgetClip() { fClipOf = nullptr; }
 
+	// The outline that follows the pointer, above the picture. A view's, or nobody's.
+	struct RectTracking {
+		const BView* view = nullptr;
+		BRect rect;
+		bool corner = false; // only the right bottom moves
+		BPoint start;        // the pointer's place for `rect`
+
+		BRect RectAt(BPoint pointer) const;
+	};
+	RectTracking& Tracking() { return fTracking; }
+	void EndTracking(const BView* view);
+	bool SetOutline(const desktop::PixelRegion& outline); // its lines; false: as it was
+
 	void AddDrawn(const desktop::PixelRegion& region); // to be shown
 	void Show(); // hands everything that was drawn to the desktop
 
@@ -61,6 +74,8 @@ private:
 	std::unique_ptr<desktop::Canvas> fCanvas;
 	desktop::PixelRegion fDamage;
 	desktop::PixelRegion fDrawn;
+	desktop::PixelRegion fOutline;
+	RectTracking fTracking;
 	std::optional<desktop::PixelRegion> fUpdate;
 	bigtime_t fDeadline = B_INFINITE_TIMEOUT;
 	uint64 fLayout = 1;
