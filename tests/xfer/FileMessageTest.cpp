@@ -128,38 +128,49 @@ Texts(const BMessage& message)
 
 } // namespace
 
-TEST_F(FileMessage, KeysChooseWhatAPlainDragDoes)
+// Control or the secondary button ask; else the first of Option, Shift and Command decides.
+TEST_F(FileMessage, ButtonsAndKeysChooseWhatADropDoes)
 {
-	const BMessage drop(kMSG_DragFile);
-	EXPECT_EQ(HandleWithKeys(drop, 0), "moved");
-	EXPECT_EQ(HandleWithKeys(drop, B_OPTION_KEY), "copied");
-	EXPECT_EQ(HandleWithKeys(drop, B_SHIFT_KEY), "linked");
-	EXPECT_EQ(HandleWithKeys(drop, B_COMMAND_KEY), "moved");
-	EXPECT_EQ(HandleWithKeys(drop, B_OPTION_KEY | B_SHIFT_KEY | B_COMMAND_KEY), "copied");
-	EXPECT_EQ(HandleWithKeys(drop, B_SHIFT_KEY | B_COMMAND_KEY), "linked");
-	BMessage primary(kMSG_DragFile);
-	primary.AddInt32(kName_DragButtons, B_PRIMARY_MOUSE_BUTTON);
-	EXPECT_EQ(HandleWithKeys(primary, 0), "moved");
+	const std::string closes = {B_ESCAPE};
+	for (int32 buttons = -1; buttons <= (B_PRIMARY_MOUSE_BUTTON | B_SECONDARY_MOUSE_BUTTON);
+		 buttons++) {
+		BMessage drop(kMSG_DragFile);
+		if (buttons >= 0)
+			drop.AddInt32(kName_DragButtons, buttons);
+		for (int32 held = 0; held < 16; held++) {
+			const uint32 keys = ((held & 1) != 0 ? B_CONTROL_KEY : 0) |
+				((held & 2) != 0 ? B_OPTION_KEY : 0) | ((held & 4) != 0 ? B_SHIFT_KEY : 0) |
+				((held & 8) != 0 ? B_COMMAND_KEY : 0);
+			SCOPED_TRACE(std::to_string(buttons) + " " + std::to_string(keys));
+			if ((keys & B_CONTROL_KEY) != 0 ||
+				(buttons >= 0 && (buttons & B_SECONDARY_MOUSE_BUTTON) != 0))
+				EXPECT_EQ(HandleByMenu(drop, keys, closes), "nothing");
+			else
+				EXPECT_EQ(HandleWithKeys(drop, keys),
+					(keys & B_OPTION_KEY) != 0      ? "copied"
+						: (keys & B_SHIFT_KEY) != 0 ? "linked"
+													: "moved");
+		}
+	}
 }
 
-TEST_F(FileMessage, ControlAndTheSecondaryButtonAsk)
+TEST_F(FileMessage, TheMenusRowsDoWhatTheySay)
 {
 	BMessage secondary(kMSG_DragFile);
-	secondary.AddInt32(kName_DragButtons, B_SECONDARY_MOUSE_BUTTON | B_PRIMARY_MOUSE_BUTTON);
-	const std::string moves = {'m', B_ENTER};
-	const std::string closes = {B_ESCAPE};
-	EXPECT_EQ(HandleByMenu(secondary, B_SHIFT_KEY, moves), "moved");
-	EXPECT_EQ(HandleByMenu(secondary, 0, closes), "nothing");
-	const BMessage drop(kMSG_DragFile);
-	EXPECT_EQ(HandleByMenu(drop, B_CONTROL_KEY, moves), "moved");
-	EXPECT_EQ(HandleByMenu(drop, B_CONTROL_KEY | B_OPTION_KEY, closes), "nothing");
+	secondary.AddInt32(kName_DragButtons, B_SECONDARY_MOUSE_BUTTON);
+	EXPECT_EQ(HandleByMenu(secondary, B_SHIFT_KEY, {'m', B_ENTER}), "moved");
 	std::string chooses = {B_ENTER};
 	for (const char* outcome : {"linked", "moved", "copied", "nothing"}) {
 		chooses.insert(chooses.begin(), B_DOWN_ARROW);
-		EXPECT_EQ(HandleByMenu(drop, B_CONTROL_KEY, chooses), outcome);
+		EXPECT_EQ(HandleByMenu(secondary, 0, chooses), outcome);
 	}
-	// What the mouse holds does not count when the message says what was held.
+}
+
+TEST_F(FileMessage, ButtonsAreThoseOfTheMessageElseThoseHeld)
+{
 	fWindow.User().Press(20, 20, B_SECONDARY_MOUSE_BUTTON);
+	fWindow.Settle();
+	EXPECT_EQ(HandleByMenu(BMessage(kMSG_DragFile), 0, {B_ESCAPE}), "nothing");
 	BMessage primary(kMSG_DragFile);
 	primary.AddInt32(kName_DragButtons, B_PRIMARY_MOUSE_BUTTON);
 	fWindow.Settle();
