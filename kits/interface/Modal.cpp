@@ -57,6 +57,16 @@ BPrivate::InputBlockedBy(const BWindow* window)
 	return !registry.open.empty() && registry.open.back().window != window;
 }
 
+bool
+BPrivate::CloseBlockedBy(const BWindow* window)
+{
+	Registry& registry = TheRegistry();
+	std::lock_guard lock(registry.lock);
+	return !registry.open.empty() && registry.open.back().window != window &&
+		std::any_of(registry.open.begin(), registry.open.end(),
+			[](const Alert& alert) { return !alert.queues; });
+}
+
 void
 BPrivate::ActivateAlert()
 {
