@@ -84,10 +84,11 @@ protected:
 	}
 
 	// Returns when all that was posted, and what it posted in turn, was handled and painted. From
-	// a click to a shown folder four messages follow each other.
+	// a click to a folder that is shown, and that the tree has selected and told of, there are
+	// eight.
 	void Settle()
 	{
-		for (int i = 0; i < 6; i++) {
+		for (int i = 0; i < 10; i++) {
 			BMessage sync('sync'), reply;
 			ASSERT_EQ(B_OK, BMessenger(nullptr, window).SendMessage(&sync, &reply));
 			Locked painted(window);
