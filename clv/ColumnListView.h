@@ -177,8 +177,8 @@ private:
 	std::vector<CLVColumn*> fSortKeys; // each knows by fKeyOf that it is here
 	PrefilledBitmap fRightArrow;
 	PrefilledBitmap fDownArrow;
-	OutlineList fRows;          // of an outline all, else the same as the visible ones
-	int32 fExpanderColumn = -1; // the shown one
+	OutlineList fRows;                      // of an outline all, else the same as the visible ones
+	int32 fExpanderColumn = -1;             // the shown one
 	CLVListItem* fItemUnderMouse = nullptr; // null, too, since that one was taken out
 	CLVSortFunction fSortFunction = nullptr;
 	// Made for one sort: column and direction of each key.
