@@ -31,7 +31,7 @@ enum : uint32 {
 
 	// A list to itself, behind the messages that wait.
 	kMSG_ShowChanges = 'ShCh',
-	kMSG_GoOnDropping = 'GoDr',
+	kMSG_GoOnTransferring = 'GoOn',
 
 	// The in-place editor: "view" pointer to it, "invoked" bool, "text" string.
 	kMSG_TextEditInvoke = 'TE:i',

@@ -10,8 +10,30 @@
 #include "xfer/FileXFer.h"
 
 #include <app/Clipboard.h>
+#include <app/Looper.h>
 
-static constexpr uint32 kDebugLevel = 8;
+namespace {
+
+constexpr uint32 kDebugLevel = 8;
+constexpr bigtime_t kSlice = 20000;
+
+// What was cut is pasted once; unless the clipboard holds something else by now.
+void
+EmptyCutClipboard(const BMessage& pasted)
+{
+	entry_ref first, present;
+	if (!pasted.HasBool("Cut") || pasted.FindRef(kName_Refs, &first) != B_OK ||
+		!be_clipboard->Lock())
+		return;
+	const BMessage* data = be_clipboard->Data();
+	if (data->HasBool("Cut") && data->FindRef(kName_Refs, &present) == B_OK && present == first) {
+		be_clipboard->Clear();
+		be_clipboard->Commit();
+	}
+	be_clipboard->Unlock();
+}
+
+} // namespace
 
 // A row that is not selected goes alone, else all that are.
 void
@@ -46,7 +68,7 @@ FileListView::FindDropFolder(const BMessage& message, entry_ref* folder)
 	const FileListItem* row = RowAt(ConvertFromScreen(message.DropPoint()));
 	if (row != nullptr && !row->IsFolder())
 		row = nullptr;
-	if (fRowsMoved && row != fDropRow)
+	if (fRowsMoved && (row != nullptr ? *row->GetRef() : entry_ref()) != fDropFolder)
 		return false;
 	const entry_ref* ref = row != nullptr ? row->GetRef() : fParentRef;
 	if (ref == nullptr)
@@ -55,26 +77,53 @@ FileListView::FindDropFolder(const BMessage& message, entry_ref* folder)
 	return true;
 }
 
+// The keys that are held at the drop decide for all files, though later ones are begun after them.
 void
 FileListView::RefsAdded(BMessage* message)
 {
-	BMessage clipboard;
-	entry_ref folder;
+	Transfer transfer;
 	if (message->what == B_PASTE) {
 		if (fParentRef == nullptr)
 			return;
 		Debug.StdOut(kDebugLevel, "B_PASTE(1)\n");
+		transfer.message = *message;
 		if (be_clipboard->Lock()) {
-			clipboard = *be_clipboard->Data();
-			message = &clipboard;
+			transfer.message = *be_clipboard->Data();
+			transfer.isPaste = true;
 			be_clipboard->Unlock();
 		}
-		folder = *fParentRef;
-	} else if (!message->WasDropped() || !FindDropFolder(*message, &folder))
-		return;
-	entry_ref ref;
-	for (int32 i = 0; message->FindRef(kName_Refs, i, &ref) == B_OK; i++) {
-		const bool begun = NFileXFer::HandleFileMessage(message, &ref, &folder, this);
+		transfer.folder = *fParentRef;
+	} else {
+		if (!message->WasDropped() || !FindDropFolder(*message, &transfer.folder))
+			return;
+		transfer.message = *message;
+		transfer.message.RemoveName("modifiers");
+		transfer.message.AddInt32("modifiers", static_cast<int32>(modifiers()));
+	}
+	fTransfers.push_back(std::move(transfer));
+	if (fTransfers.size() == 1)
+		GoOnTransferring();
+}
+
+void
+FileListView::GoOnTransferring()
+{
+	const bigtime_t end = system_time() + kSlice;
+	while (!fTransfers.empty()) {
+		Transfer& transfer = fTransfers.front();
+		entry_ref ref;
+		if (transfer.message.FindRef(kName_Refs, transfer.next, &ref) != B_OK) {
+			if (transfer.isPaste && transfer.isBegun)
+				EmptyCutClipboard(transfer.message);
+			fTransfers.pop_front();
+			continue;
+		}
+		transfer.next++;
+		const bool begun =
+			NFileXFer::HandleFileMessage(&transfer.message, &ref, &transfer.folder, this);
+		transfer.isBegun = transfer.isBegun || begun;
 		Debug.StdOut(kDebugLevel, "HFM (%d)\n", begun);
+		if (system_time() > end && Looper()->PostMessage(kMSG_GoOnTransferring, this) == B_OK)
+			return;
 	}
 }

@@ -141,6 +141,9 @@ FileListView::MessageReceived(BMessage* message)
 		case kMSG_TextEditEscape:
 			EditorDone(*message);
 			break;
+		case kMSG_GoOnTransferring:
+			GoOnTransferring();
+			break;
 		case kMSG_Refresh:
 			std::printf("FLV::Refresh\n");
 			RefreshFolder(nullptr);
@@ -246,13 +249,20 @@ void
 FileListView::MouseMoved(BPoint where, uint32 transit, const BMessage* drag)
 {
 	const BMessage* move = Window()->CurrentMessage();
-	if (fDragPending && move != nullptr && move->HasInt32("buttons") &&
-		FullListHasItem(fPressedRow))
-		DragItem(fPressedRow, *move);
+	FileListItem* pressed = fDragPending ? RowAt(fPressedIndex) : nullptr;
+	if (pressed != nullptr && *pressed->GetRef() == fPressed && move != nullptr &&
+		move->HasInt32("buttons"))
+		DragItem(pressed, *move);
 	fDragPending = false;
-	FileListItem* row = drag != nullptr && transit != B_EXITED_VIEW ? RowAt(where) : nullptr;
-	fDropRow = row != nullptr && row->IsFolder() ? row : nullptr;
-	fRowsMoved = false;
+	// A pointer that stays means the row that it was moved to.
+	const bool over = drag != nullptr && transit != B_EXITED_VIEW;
+	if (!over || !fIsDragOver || where != fDragPoint) {
+		const FileListItem* row = over ? RowAt(where) : nullptr;
+		fDropFolder = row != nullptr && row->IsFolder() ? *row->GetRef() : entry_ref();
+		fRowsMoved = false;
+	}
+	fIsDragOver = over;
+	fDragPoint = where;
 	ColumnListView::MouseMoved(where, transit, drag);
 }
 
@@ -260,8 +270,10 @@ FileListView::MouseMoved(BPoint where, uint32 transit, const BMessage* drag)
 bool
 FileListView::InitiateDrag(BPoint, int32 index, bool wasSelected)
 {
-	fPressedRow = RowAt(index);
-	fDragPending = true;
+	const FileListItem* row = RowAt(index);
+	fDragPending = row != nullptr;
+	fPressedIndex = index;
+	fPressed = row != nullptr ? *row->GetRef() : entry_ref();
 	return wasSelected;
 }
 

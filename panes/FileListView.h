@@ -12,8 +12,10 @@
 
 #include "clv/ColumnListView.h"
 
+#include <app/Message.h>
 #include <storage/EntryRef.h>
 
+#include <deque>
 #include <memory>
 
 class BMenuItem;
@@ -84,8 +86,16 @@ private:
 	BRect EditorFrame() const;
 	void EditorDone(const BMessage& message);
 
-	// Drops
+	// Drops and pastes. Thousands of files are begun in slices, so that the window answers.
+	struct Transfer {
+		BMessage message;
+		entry_ref folder; // where the files go
+		int32 next = 0;   // of the message's files
+		bool isPaste = false;
+		bool isBegun = false; // with any of them
+	};
 	bool FindDropFolder(const BMessage& message, entry_ref* folder);
+	void GoOnTransferring();
 
 	std::unique_ptr<BPopUpMenu> fItemMenu;
 	std::unique_ptr<BPopUpMenu> fEmptyMenu;
@@ -98,11 +108,16 @@ private:
 	bool fInTrash = false;
 	InvocableTextView* fEditor = nullptr; // a child
 
-	// Of these three rows only the addresses are used until they are known to be here.
-	FileListItem* fPressedRow = nullptr; // on which a drag begins
-	FileListItem* fEditedRow = nullptr;
-	FileListItem* fDropRow = nullptr; // the folder that a drag was over when the pointer moved last
-	bool fRowsMoved = false;          // since then
+	std::deque<Transfer> fTransfers; // not begun yet, or not with all files
+
+	FileListItem* fEditedRow = nullptr; // while there is an editor
+	// Rows may be replaced at any time, so these are kept by what they show.
+	int32 fPressedIndex = -1;
+	entry_ref fPressed; // where a drag begins
+	bool fIsDragOver = false;
+	BPoint fDragPoint;       // where a drag was moved to
+	entry_ref fDropFolder;   // that was there; unset for none
+	bool fRowsMoved = false; // since then
 };
 
 // Enables the two items when the clipboard holds a file that is there still, and stores it.

@@ -28,7 +28,11 @@ constexpr size_t kErrorTextSize = 512;
 bool
 ChooseForDrop(const BMessage& message, const BView* view, ETransferType* type)
 {
-	const uint32 keys = modifiers();
+	// Of several files all do what the keys said at the drop.
+	int32 keysBefore;
+	const uint32 keys = message.FindInt32("modifiers", &keysBefore) == B_OK
+		? static_cast<uint32>(keysBefore)
+		: modifiers();
 	BPoint where;
 	uint32 buttons = 0;
 	view->GetMouse(&where, &buttons);

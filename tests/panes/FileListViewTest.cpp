@@ -1,0 +1,493 @@
+// SPDX-License-Identifier: MIT
+
+// The list of files under its user's hands: presses, both menus, renaming in place, keys, the
+// rubber band, drags and drops, the clipboard.
+
+#include "app/Messages.h"
+#include "panes/ItemColumns.h"
+
+#include <app/Clipboard.h>
+#include <interface/MenuItem.h>
+#include <interface/MenuSession.h>
+#include <storage/Entry.h>
+#include <storage/FindDirectory.h>
+#include <storage/Path.h>
+
+#include "tests/panes/ItemListWindow.h"
+#include "tests/support/LongRun.h"
+#include "tests/support/Variable.h"
+#include "tests/support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+namespace {
+
+constexpr uint32 kLit = 0xff6c6c6c;
+constexpr uint32 kSecondary = B_SECONDARY_MOUSE_BUTTON;
+
+typedef std::vector<std::string> Strings;
+
+class FileList : public testing::Test {
+protected:
+	FileList() : user(it.window.User())
+	{
+		user.Activate();
+		user.Move(1, 1);
+		it.window.Settle();
+	}
+	~FileList() override
+	{
+		BPrivate::CloseOpenMenu();
+		user.Move(1, 1);
+		EXPECT_TRUE(WaitUntil([] { return find_thread("MouseDragOrPopupWatcher") < 0; }));
+	}
+
+	int32 Row(const std::string& name)
+	{
+		const Strings names = it.Names();
+		auto found = std::find(names.begin(), names.end(), name);
+		EXPECT_NE(found, names.end()) << name;
+		return static_cast<int32>(found - names.begin());
+	}
+	BPoint Place(const std::string& name, int32 column = kNameColumn)
+	{
+		const BRect cell = it.Cell(Row(name), column);
+		return BPoint(cell.left + 2 + NextStep(), (cell.top + cell.bottom) / 2);
+	}
+	BPoint EmptyPlace() { return BPoint(200 + NextStep(), 250); }
+	// Clicks at one place would be double clicks.
+	float NextStep() { return fStep = fStep > 0 ? 0 : 10; }
+
+	Strings Selected()
+	{
+		return it.window.Under([&] {
+			Strings names;
+			for (int32 i = 0, index; (index = it.list->CurrentSelection(i)) >= 0; i++)
+				names.push_back(it.list->RowAt(index)->Name());
+			return names;
+		});
+	}
+	void Select(const Strings& names)
+	{
+		it.Do([&] { it.list->DeselectAll(); });
+		for (const std::string& name : names) {
+			const int32 row = Row(name);
+			it.Do([&] { it.list->Select(row, true); });
+		}
+	}
+
+	// Opens the menu at a place of the window and walks so many enabled rows down.
+	void Choose(const char* menu, BPoint where, int32 steps)
+	{
+		user.Click(where.x, where.y, kSecondary);
+		InjectedUser seen(menu);
+		for (int32 i = 0; i < steps; i++)
+			seen.Key(std::string(1, B_DOWN_ARROW));
+		seen.KeyDown(std::string(1, steps > 0 ? B_ENTER : B_ESCAPE));
+		it.window.Settle();
+	}
+	void ChooseForRow(const std::string& name, int32 steps)
+	{
+		Choose("iContextMenu", Place(name), steps);
+	}
+
+	BView* Editor()
+	{
+		return it.window.Under([&] { return it.list->FindView("editname"); });
+	}
+	// By the menu of a file's row, whose fourth row that can be chosen is "Rename".
+	void StartRename(const std::string& name)
+	{
+		ChooseForRow(name, 4);
+		EXPECT_TRUE(WaitUntil([&] { return Editor() != nullptr; }));
+	}
+	void Type(const std::string& text)
+	{
+		for (char key : text)
+			user.Key(std::string(1, key));
+	}
+	void ExpectNames(const Strings& names)
+	{
+		if (!WaitUntil([&] { return it.Names() == names; })) {
+			EXPECT_EQ(it.Names(), names);
+		}
+		EXPECT_EQ(tree.List(), Names(names));
+	}
+	void PutOnClipboard(const char* name)
+	{
+		BMessage copy(B_COPY);
+		Select({name});
+		it.window->PostMessage(&copy, it.pane);
+		it.window.Settle();
+	}
+
+	// Presses on a row and moves over "dir" until that lights up.
+	void DragOverDir(const std::string& name, uint32 button = B_PRIMARY_MOUSE_BUTTON)
+	{
+		user.AllowDrags();
+		const BRect dir = it.Cell(Row("dir"), kNameColumn);
+		const BPoint from = Place(name);
+		user.Move(from.x, from.y);
+		user.Press(from.x, from.y, button);
+		// Whoever holds a secondary button still means the menu. Nothing may wait for the window:
+		// with a menu open it answers nobody.
+		EXPECT_TRUE(WaitUntil([&] {
+			drop = BPoint(dir.left + (drop.x > dir.left + 5 ? 5.0f : 10.0f), dir.top + 5);
+			for (int i = 1; i < 6; i++)
+				user.Move(from.x + static_cast<float>(i), from.y);
+			user.Move(drop.x, drop.y);
+			return CountPixels(it.window->Snapshot(), dir, kLit) > 20;
+		}));
+	}
+
+	TempTree tree{
+		{"dir/inside", Text()}, {"m", Text("one")}, {"n", Text("two")}, {"o", Text("three")}};
+	ItemListWindow it{tree};
+	InjectedUser& user;
+	BPoint drop;
+
+private:
+	float fStep = 0;
+};
+
+} // namespace
+
+TEST_F(FileList, PressesSelectOnIconAndNameOnly)
+{
+	for (int32 column : {kIconColumn, kNameColumn}) {
+		Select({});
+		const BPoint place = Place("m", column);
+		user.Click(place.x, place.y);
+		it.window.Settle();
+		EXPECT_EQ(Selected(), Strings{"m"});
+	}
+	const BPoint kind = Place("n", kKindColumn);
+	user.Click(kind.x, kind.y);
+	EXPECT_TRUE(WaitUntil([] { return find_thread("MouseDragOrPopupWatcher") < 0; }));
+	it.window.Settle();
+	EXPECT_EQ(Selected(), Strings{"m"});
+	user.Click(200, 250);
+	EXPECT_TRUE(WaitUntil([&] { return Selected().empty(); }));
+}
+
+TEST_F(FileList, HoldingOpensTheMenuAndCommandAtOnce)
+{
+	const BPoint kind = Place("n", kKindColumn);
+	user.Press(kind.x, kind.y);
+	InjectedUser("iContextMenu").KeyDown(std::string(1, B_ESCAPE));
+	user.Release(kind.x, kind.y);
+	it.window.Settle();
+	user.Move(kind.x, kind.y, B_COMMAND_KEY);
+	user.Press(200, 250, B_PRIMARY_MOUSE_BUTTON, B_COMMAND_KEY);
+	InjectedUser("eContextMenu").KeyDown(std::string(1, B_ESCAPE));
+	user.Release(200, 250);
+	user.Move(1, 1);
+	it.window.Settle();
+	EXPECT_LT(find_thread("MouseDragOrPopupWatcher"), 0);
+}
+
+TEST_F(FileList, PasteIsForFilesThatAreThere)
+{
+	BMenuItem paste("Paste", nullptr), link("Paste Link", nullptr);
+	const auto enabled = [&] {
+		entry_ref ref;
+		TestClipboard(&ref, &paste, &link);
+		EXPECT_EQ(paste.IsEnabled(), link.IsEnabled());
+		return paste.IsEnabled() ? std::string(ref.name) : "";
+	};
+	InjectedUser::PutOnClipboard({{"text/plain", "m"}});
+	EXPECT_EQ(enabled(), "");
+	PutOnClipboard("m");
+	EXPECT_EQ(enabled(), "m");
+	tree.Remove("m");
+	EXPECT_EQ(enabled(), "");
+	tree.Add("m", Link("nowhere")); // is there, wherever it leads
+	EXPECT_EQ(enabled(), "m");
+}
+
+TEST_F(FileList, TheMenuOfTheFolderPastesCopiesAndLinks)
+{
+	PutOnClipboard("m");
+	Choose("eContextMenu", EmptyPlace(), 1);
+	ExpectNames({"Copy of m", "dir", "m", "n", "o"});
+	Choose("eContextMenu", EmptyPlace(), 2);
+	ExpectNames({"Copy of m", "dir", "Link to m", "m", "n", "o"});
+	tree.Remove("Copy of m");
+	tree.Remove("Link to m");
+	// Without a file to paste the first row is "Refresh", which leaves all as it is.
+	InjectedUser::PutOnClipboard({{"text/plain", "m"}});
+	Choose("eContextMenu", EmptyPlace(), 1);
+	ExpectNames({"dir", "m", "n", "o"});
+	Choose("eContextMenu", EmptyPlace(), 2);
+	EXPECT_TRUE(WaitUntil([&] { return !it.window->Take(B_ABOUT_REQUESTED).empty(); }));
+}
+
+TEST_F(FileList, TheMenuOfARowOpensCutsAndDeletes)
+{
+	Choose("iContextMenu", Place("dir"), 1);
+	std::vector<BMessage> changes;
+	ASSERT_TRUE(WaitUntil([&] { return !(changes = it.window->Take(kMSG_ChangeFolder)).empty(); }));
+	entry_ref ref;
+	EXPECT_EQ(changes[0].FindRef(kName_Folder, &ref), B_OK);
+	EXPECT_STREQ(ref.name, "dir");
+
+	ChooseForRow("n", 2); // "Cut"
+	entry_ref folder = tree.Ref("dir");
+	it.Do([&] { it.pane->SetFolder(&folder, false); });
+	Choose("eContextMenu", EmptyPlace(), 1);
+	EXPECT_TRUE(WaitUntil([&] { return it.Names() == Strings{"inside", "n"}; }));
+	EXPECT_EQ(tree.List(), Names({"dir", "m", "o"}));
+	// It was cut once.
+	BMenuItem paste("Paste", nullptr), link("Paste Link", nullptr);
+	TestClipboard(&ref, &paste, &link);
+	EXPECT_FALSE(paste.IsEnabled());
+}
+
+TEST_F(FileList, DeletesIntoTheTrashAndThereForGood)
+{
+	Variable data("XDG_DATA_HOME", tree.Path("data").c_str());
+	tree.Add("data", Dir());
+	BPath path;
+	ASSERT_EQ(find_directory(B_TRASH_DIRECTORY, &path, true), B_OK);
+	it.Do([&] { it.pane->Refresh(); });
+	Select({"m", "o"});
+	user.Key(std::string(1, B_DELETE));
+	ExpectNames({"data", "dir", "n"});
+	ChooseForRow("n", 5);
+	ExpectNames({"data", "dir"});
+	EXPECT_EQ(tree.List("data/Trash/files"), Names({"m", "n", "o"}));
+
+	entry_ref trash;
+	ASSERT_EQ(get_ref_for_path(path.Path(), &trash), B_OK);
+	it.Do([&] { it.pane->SetFolder(&trash, false); });
+	Select({"m", "n"});
+	user.Key(std::string(1, B_DELETE));
+	EXPECT_TRUE(WaitUntil([&] { return it.Names() == Strings{"o"}; }));
+	EXPECT_EQ(tree.List("data/Trash/files"), Names({"o"}));
+	EXPECT_EQ(tree.List("data/Trash/info"), Names({"o.trashinfo"}));
+}
+
+TEST_F(FileList, RenamesInPlace)
+{
+	StartRename("n");
+	Type("new/r"); // no name holds a slash
+	user.Key(std::string(1, B_ENTER));
+	ExpectNames({"dir", "m", "newr", "o"});
+	EXPECT_EQ(Editor(), nullptr);
+
+	StartRename("newr");
+	Type("x");
+	user.Key(std::string(1, B_ESCAPE));
+	EXPECT_TRUE(WaitUntil([&] { return Editor() == nullptr; }));
+	ExpectNames({"dir", "m", "newr", "o"});
+
+	StartRename("newr"); // a press elsewhere takes what was typed
+	Type("z");
+	user.Click(200, 250);
+	ExpectNames({"dir", "m", "o", "z"});
+
+	StartRename("z"); // never over another file
+	Type("m");
+	user.Key(std::string(1, B_ENTER));
+	EXPECT_TRUE(WaitUntil([&] { return Editor() == nullptr; }));
+	ExpectNames({"dir", "m", "o", "z"});
+	EXPECT_EQ(tree.Read("m"), "one");
+
+	StartRename("z");
+	user.Key(std::string(1, B_DELETE));
+	user.Key(std::string(1, B_ENTER));
+	EXPECT_TRUE(WaitUntil([&] { return Editor() == nullptr; }));
+	ExpectNames({"dir", "m", "o", "z"});
+	// The keys are the list's again.
+	EXPECT_TRUE(it.window.Under([&] { return it.list->IsFocus(); }));
+}
+
+TEST_F(FileList, TheEditorFollowsItsRowAndGoesWithIt)
+{
+	const auto isOverRow = [&](const char* name) {
+		BView* editor = Editor();
+		const int32 row = Row(name);
+		return editor != nullptr && it.window.Under([&] {
+			const BRect frame = it.list->ItemFrame(row);
+			return editor->Frame().top == frame.top && editor->Frame().bottom == frame.bottom;
+		});
+	};
+	StartRename("n");
+	EXPECT_TRUE(isOverRow("n"));
+	tree.Add("a", Text());
+	ExpectNames({"a", "dir", "m", "n", "o"});
+	EXPECT_TRUE(WaitUntil([&] { return isOverRow("n"); }));
+	it.Do([&] { it.list->ReverseSortMode(kNameColumn); });
+	EXPECT_TRUE(isOverRow("n"));
+	tree.Remove("o");
+	EXPECT_TRUE(WaitUntil([&] { return it.Names().size() == 4; }));
+	EXPECT_TRUE(isOverRow("n"));
+	tree.Remove("n");
+	EXPECT_TRUE(WaitUntil([&] { return Editor() == nullptr; }));
+
+	StartRename("m"); // and with its folder, without renaming
+	Type("x");
+	entry_ref folder = tree.Ref("dir");
+	it.Do([&] { it.pane->SetFolder(&folder, false); });
+	EXPECT_EQ(Editor(), nullptr);
+	EXPECT_EQ(tree.List(), Names({"a", "dir", "m"}));
+}
+
+// Two presses make the editor tell twice; others may say what they like.
+TEST_F(FileList, AnEditorThatIsGoneSaysNothing)
+{
+	StartRename("n");
+	BMessage invoke(kMSG_TextEditInvoke);
+	entry_ref ref = tree.Ref("n");
+	invoke.AddRef(kName_Refs, &ref);
+	invoke.AddString("text", "p");
+	it.window->PostMessage(&invoke, it.list); // of nobody
+	invoke.AddPointer("view", Editor());
+	it.window.Under([&] {
+		it.window->PostMessage(&invoke, it.list);
+		ref.set_name("m");
+		invoke.ReplaceRef(kName_Refs, &ref);
+		invoke.ReplaceString("text", "q");
+		it.window->PostMessage(&invoke, it.list);
+		return 0;
+	});
+	ExpectNames({"dir", "m", "o", "p"});
+	it.window.Settle();
+	ExpectNames({"dir", "m", "o", "p"});
+}
+
+TEST_F(FileList, TheRubberBandSelectsWhatItSpans)
+{
+	const InjectedUser::Picture before = it.window->Snapshot();
+	const BPoint to = Place("n", kModifiedColumn);
+	const int32 right = 380, bottom = 250;
+	const BRect start(right, bottom, right, bottom + 20), edge(right - 60, 150, right - 60, 240);
+	const auto changed = [&](BRect area) {
+		const InjectedUser::Picture now = it.window->Snapshot();
+		for (int32 y = static_cast<int32>(area.top); y <= static_cast<int32>(area.bottom); y++) {
+			if (now.At(static_cast<int32>(area.left), y) !=
+				before.At(static_cast<int32>(area.left), y))
+				return true;
+		}
+		return false;
+	};
+	// Where the band begins is where the pointer is at the first look after the press.
+	const auto begin = [&](const BRect& line) {
+		float step = 0;
+		user.Press(line.left, line.top);
+		EXPECT_TRUE(WaitUntil([&] {
+			user.Move(line.left, line.top + (step = step == 10 ? 20 : 10));
+			return changed(line);
+		}));
+	};
+	begin(start);
+	user.Move(right - 60, to.y);
+	EXPECT_TRUE(WaitUntil([&] { return changed(edge); }));
+	user.Release(right - 60, to.y);
+	EXPECT_TRUE(WaitUntil([&] { return Selected() == Strings{"n", "o"}; }));
+	it.window.Settle();
+	EXPECT_FALSE(changed(start) || changed(edge)); // it has gone
+
+	begin(start.OffsetByCopy(-30, 0));     // at the same place it would be a double click
+	user.Release(right - 30, bottom + 20); // beside all rows
+	EXPECT_TRUE(WaitUntil([&] { return Selected().empty(); }));
+}
+
+TEST_F(FileList, ADragOntoAFolderMovesWhatIsSelected)
+{
+	Select({"m", "o"});
+	DragOverDir("o");
+	user.Release(drop.x, drop.y);
+	ExpectNames({"dir", "n"});
+	EXPECT_EQ(tree.List("dir"), Names({"inside", "m", "o"}));
+}
+
+TEST_F(FileList, AnUnselectedRowIsDraggedAlone)
+{
+	Select({"m", "o"});
+	DragOverDir("n", kSecondary); // a press that does not select
+	user.Release(drop.x, drop.y, kSecondary);
+	InjectedUser menu("File"); // asks
+	menu.Key("m");
+	menu.KeyDown(std::string(1, B_ENTER));
+	ExpectNames({"dir", "m", "o"});
+	EXPECT_EQ(tree.List("dir"), Names({"inside", "n"}));
+}
+
+// The rows move between the last move of the pointer and the drop.
+TEST_F(FileList, ADropMeansTheFolderThatLitUp)
+{
+	DragOverDir("m");
+	it.window.Under([&] {
+		tree.Add("a", Dir());
+		it.pane->SetFolder(nullptr, true); // now "a" is the first row
+		user.Release(drop.x, drop.y);
+		return 0;
+	});
+	it.window.Settle();
+	EXPECT_TRUE(WaitUntil([] { return find_thread("move") < 0; }));
+	ExpectNames({"a", "dir", "m", "n", "o"});
+	EXPECT_TRUE(tree.List("a").empty());
+}
+
+TEST_F(FileList, KeysAtTheDropCountForAllFiles)
+{
+	const int count = Rounds(3000, 20000);
+	TempTree from;
+	for (int i = 0; i < count; i++)
+		from.Add(std::to_string(i), Text());
+	std::string uris;
+	for (int i = 0; i < count; i++)
+		uris += "file://" + from.Path(std::to_string(i)) + "\r\n";
+	const BPoint to = Place("dir");
+	user.Move(to.x, to.y, B_SHIFT_KEY);
+	EXPECT_TRUE(user.Drop(to.x, to.y, {{"text/uri-list", uris}}, B_SHIFT_KEY));
+	ASSERT_TRUE(WaitUntil([&] { return tree.List("dir").size() > 1; }));
+	user.Move(1, 1); // the key is let go
+	EXPECT_TRUE(
+		WaitUntil([&] { return tree.List("dir").size() == static_cast<size_t>(count) + 1; }));
+	EXPECT_EQ(from.List().size(), static_cast<size_t>(count)); // linked, none was moved
+}
+
+// Whoever can reach the window can send what watchers, menus and other programs would.
+TEST_F(FileList, SenselessMessagesDoNoHarm)
+{
+	std::mt19937 random(7);
+	entry_ref gone = tree.Ref("n"), odd = gone;
+	gone.set_name("gone");
+	odd.set_name("../m");
+	for (int i = 0; i < Rounds(2000, 100000); i++) {
+		const uint32 codes[] = {MW_MOUSE_DRAG, MW_MOUSE_CLICK, kMSG_TextEditInvoke,
+			kMSG_TextEditEscape, kMSG_DragFile, B_COPY, B_CUT, kMSG_ItemInvocation, kMSG_Rename,
+			kMSG_SetFolder, kMSG_Refresh, kMSG_ShowChanges, kMSG_GoOnTransferring};
+		BMessage message(codes[random() % std::size(codes)]);
+		if (random() % 2 == 0)
+			message.AddRef(
+				random() % 2 == 0 ? kName_Refs : kName_Folder, random() % 2 == 0 ? &gone : &odd);
+		if (random() % 2 == 0)
+			message.AddPoint("where", BPoint(static_cast<float>(random() % 900), 280));
+		if (random() % 2 == 0)
+			message.AddInt32("data", B_PRIMARY_MOUSE_BUTTON);
+		else
+			message.AddInt32("buttons", B_PRIMARY_MOUSE_BUTTON);
+		if (message.what == MW_MOUSE_CLICK)
+			message.AddInt32("data", B_PRIMARY_MOUSE_BUTTON); // else it opens a menu
+		if (random() % 2 == 0)
+			message.AddPointer("view", reinterpret_cast<void*>(uintptr_t(random())));
+		if (random() % 2 == 0)
+			message.AddString("text", random() % 2 == 0 ? "" : "\xff/x");
+		if (random() % 2 == 0)
+			message.AddInt32("index", 100 + static_cast<int32>(random() % 1000));
+		if (random() % 2 == 0)
+			message.AddBool("invoked", true);
+		it.window->PostMessage(
+			&message, random() % 2 == 0 ? static_cast<BHandler*>(it.pane) : it.list);
+	}
+	it.window.Settle();
+	entry_ref root = tree.Ref(".");
+	it.Do([&] { it.pane->SetFolder(&root, false); });
+	ExpectNames({"dir", "m", "n", "o"});
+}
