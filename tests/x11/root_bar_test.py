@@ -8,7 +8,8 @@ import unittest
 
 from cursor_test import Server
 from desktop import X11Test, wait_until
-from interchange_test import DRAG, Peer
+from interchange_test import DRAG
+from peers import Peer
 
 WHITE = (255, 255, 255)
 FIELD = (45, 9, 152, 24)  # the inside of its box
