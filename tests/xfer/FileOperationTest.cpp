@@ -7,7 +7,6 @@
 #include "app/Messages.h"
 #include "support/UpdateCounter.h"
 
-#include <app/AppDefs.h>
 #include <app/Looper.h>
 #include <app/Message.h>
 #include <storage/Entry.h>
@@ -289,20 +288,23 @@ TEST(DeleteFile, RemovesOrThrowsAwayUnderAFreeName)
 	EXPECT_EQ(tree.List("data/Trash/info").size(), 3u);
 }
 
-TEST(DeleteFile, WithoutATrashOrOnAnotherVolumeEverythingStays)
+TEST(DeleteFile, WithoutATrashEverythingStays)
 {
-	TempTree tree{{"a", Text("one")}, {"closed", Dir()}, {"data", Dir()}, {"volume", Dir()}};
+	TempTree tree{{"a", Text("one")}, {"closed", Dir()}};
 	entry_ref file = tree.Ref("a");
 	tree.SetMode(".", 0777);
 	tree.SetMode("closed", 0555);
-	{
-		Variable data("XDG_DATA_HOME", tree.Path("closed").c_str());
-		AsNobody nobody;
-		EXPECT_FALSE(DeleteFile(&file, true));
-	}
+	Variable data("XDG_DATA_HOME", tree.Path("closed").c_str());
+	AsNobody nobody;
+	EXPECT_FALSE(DeleteFile(&file, true));
 	EXPECT_EQ(tree.Read("a"), "one");
+}
+
+TEST(DeleteFile, TheTrashTakesNothingOfAnotherVolume)
+{
 	if (!InMountNamespace())
 		return;
+	TempTree tree{{"data", Dir()}, {"volume", Dir()}};
 	Variable data("XDG_DATA_HOME", tree.Path("data").c_str());
 	MemoryVolume volume(tree.Path("volume"));
 	tree.Add("volume/b", Text("two"));
@@ -310,18 +312,6 @@ TEST(DeleteFile, WithoutATrashOrOnAnotherVolumeEverythingStays)
 	EXPECT_FALSE(DeleteFile(&other, true));
 	EXPECT_EQ(tree.Read("volume/b"), "two");
 	EXPECT_EQ(tree.List("data/Trash/info"), Names({}));
-}
-
-// There is no desktop in this program.
-TEST(CutCopy, WithoutAClipboardNothingHappens)
-{
-	TempTree tree{{"a", Text("one")}};
-	entry_ref file = tree.Ref("a");
-	EXPECT_TRUE(CutCopy(B_CUT, &file));
-	BMessage cut(kMSG_DragFile);
-	cut.AddBool("Cut", true);
-	ForgetCut(cut);
-	EXPECT_EQ(tree.Read("a"), "one");
 }
 
 TEST(SpecialFolder, IsKnownByItsWholePath)
