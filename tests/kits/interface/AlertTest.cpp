@@ -157,6 +157,7 @@ TEST(Alert, OnlyALoopersAlertKeepsAWindowOpen)
 	window->Settle();
 	EXPECT_EQ(window->asked, 1);
 	Answer(looper, B_ENTER);
+	EXPECT_TRUE(WaitUntil([&] { return !BPrivate::CloseBlockedBy(window.Get()); }));
 	Answer(worker, B_ENTER);
 	EXPECT_EQ(AnswerOf(answer), 1);
 	asker->Lock();
