@@ -77,4 +77,6 @@ FileListView::RefsAdded(BMessage* message)
 		const bool begun = NFileXFer::HandleFileMessage(message, &ref, &folder, this);
 		Debug.StdOut(kDebugLevel, "HFM (%d)\n", begun);
 	}
+	if (message == &clipboard)
+		NFileXFer::ForgetCut(clipboard);
 }
