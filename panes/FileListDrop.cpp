@@ -126,4 +126,6 @@ FileListView::GoOnTransferring()
 		if (system_time() > end && Looper()->PostMessage(kMSG_GoOnTransferring, this) == B_OK)
 			return;
 	}
+	if (message == &clipboard)
+		NFileXFer::ForgetCut(clipboard);
 }
