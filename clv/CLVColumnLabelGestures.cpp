@@ -89,7 +89,8 @@ CLVColumnLabelView::MouseDown(BPoint where)
 	for (CLVColumn* column : fParent->fDisplayOrder) {
 		if (!column->IsShown())
 			continue;
-		if (where.x >= column->Begin() && where.x <= column->End()) {
+		// Up to the next one's begin: the header itself may lie between pixels.
+		if (where.x >= column->Begin() && where.x < column->End() + 1) {
 			if (where.x <= column->Begin() + kEdgeWidth)
 				BeginGesture(before, where, true);
 			else

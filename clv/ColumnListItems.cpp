@@ -148,6 +148,8 @@ ColumnListView::RemoveItems(int32 index, int32 count)
 	if (visible > 0 && !BListView::RemoveItems(firstVisible, visible))
 		return false;
 	fRows.Remove(index, count);
+	if (!fRows.HasItem(fItemUnderMouse))
+		fItemUnderMouse = nullptr; // it may be deleted now, and a new one have its address
 	RowsChanged();
 	return true;
 }
@@ -180,6 +182,7 @@ ColumnListView::MakeEmpty()
 {
 	BListView::MakeEmpty();
 	fRows.MakeEmpty();
+	fItemUnderMouse = nullptr;
 	RowsChanged();
 }
 

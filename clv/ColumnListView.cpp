@@ -218,14 +218,11 @@ void
 ColumnListView::MouseMoved(BPoint where, uint32 transit, const BMessage* drag)
 {
 	CLVListItem* item = static_cast<CLVListItem*>(ItemAt(BListView::IndexOf(where)));
-	// The row where the pointer was last may have been deleted, or have moved.
-	CLVListItem* last = nullptr;
-	if (fItemUnderMouse != item && FullListHasItem(fItemUnderMouse))
-		last = const_cast<CLVListItem*>(fItemUnderMouse);
-	const bool changed = fItemUnderMouse != item;
+	CLVListItem* last = fItemUnderMouse;
+	const bool changed = last != item;
 	fItemUnderMouse = transit == B_EXITED_VIEW ? nullptr : item;
 	// A pointer that left in one jump was not seen leaving its row.
-	if (last != nullptr && (transit == B_INSIDE_VIEW || transit == B_EXITED_VIEW))
+	if (last != nullptr && changed && (transit == B_INSIDE_VIEW || transit == B_EXITED_VIEW))
 		last->MouseOver(this, where, B_EXITED_VIEW, drag);
 	if (item != nullptr) {
 		const bool entered = transit == B_INSIDE_VIEW && changed;

@@ -177,9 +177,9 @@ private:
 	std::vector<CLVColumn*> fSortKeys; // each knows by fKeyOf that it is here
 	PrefilledBitmap fRightArrow;
 	PrefilledBitmap fDownArrow;
-	OutlineList fRows;          // of an outline all, else the same as the visible ones
-	int32 fExpanderColumn = -1; // the shown one
-	const CLVListItem* fItemUnderMouse = nullptr; // may be gone
+	OutlineList fRows;                      // of an outline all, else the same as the visible ones
+	int32 fExpanderColumn = -1;             // the shown one
+	CLVListItem* fItemUnderMouse = nullptr; // null, too, since that one was taken out
 	CLVSortFunction fSortFunction = nullptr;
 	// Made for one sort: column and direction of each key.
 	std::vector<std::pair<int32, bool>> fComparedColumns;

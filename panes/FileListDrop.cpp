@@ -17,22 +17,6 @@ namespace {
 constexpr uint32 kDebugLevel = 8;
 constexpr bigtime_t kSlice = 20000;
 
-// What was cut is pasted once; unless the clipboard holds something else by now.
-void
-EmptyCutClipboard(const BMessage& pasted)
-{
-	entry_ref first, present;
-	if (!pasted.HasBool("Cut") || pasted.FindRef(kName_Refs, &first) != B_OK ||
-		!be_clipboard->Lock())
-		return;
-	const BMessage* data = be_clipboard->Data();
-	if (data->HasBool("Cut") && data->FindRef(kName_Refs, &present) == B_OK && present == first) {
-		be_clipboard->Clear();
-		be_clipboard->Commit();
-	}
-	be_clipboard->Unlock();
-}
-
 } // namespace
 
 // A row that is not selected goes alone, else all that are.
@@ -114,7 +98,7 @@ FileListView::GoOnTransferring()
 		entry_ref ref;
 		if (transfer.message.FindRef(kName_Refs, transfer.next, &ref) != B_OK) {
 			if (transfer.isPaste && transfer.isBegun)
-				EmptyCutClipboard(transfer.message);
+				NFileXFer::ForgetCut(transfer.message);
 			fTransfers.pop_front();
 			continue;
 		}

@@ -3,9 +3,12 @@
 #include "panes/FolderItem.h"
 
 #include "app/Messages.h"
+#include "support/dprint.h"
 
 #include <interface/View.h>
 #include <interface/Window.h>
+
+static constexpr uint32 kDebugLevel = 4;
 
 const ColourSettings FolderItem::sColours = {{0, 0, 0, 255}, {255, 255, 255, 255},
 	{255, 255, 255, 255}, {0, 0, 0, 255}, {255, 255, 255, 255}, {108, 108, 108, 255}};
@@ -28,6 +31,7 @@ FolderItem::DrawItemColumn(BView* owner, BRect cell, int32 column, bool complete
 {
 	if (!fExpansionRequested) {
 		fExpansionRequested = true;
+		Debug.StdOut(kDebugLevel, "FolderItem:: Expand\n");
 		BMessage request(kMSG_ExpandThisItem);
 		request.AddPointer("item", this);
 		owner->Window()->PostMessage(&request, owner->Parent()->Parent());

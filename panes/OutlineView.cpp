@@ -1,57 +1,68 @@
 // SPDX-License-Identifier: MIT
 
+// What the tree shows, and its messages.
+
 #include "panes/OutlineView.h"
 
 #include "app/Messages.h"
-#include "clv/ColumnListView.h"
+#include "panes/FileListView.h"
 #include "panes/FolderItem.h"
+#include "support/dprint.h"
 
 #include <interface/ScrollView.h>
 #include <interface/Window.h>
-#include <storage/Directory.h>
 #include <storage/Entry.h>
+#include <storage/Path.h>
 
-#include <cstring>
-#include <memory>
+#include <functional>
 #include <string>
-#include <vector>
+#include <string_view>
+#include <unordered_map>
 
 namespace {
 
+constexpr uint32 kDebugLevel = 10;
 constexpr float kLeastColumnWidth = 20;
-constexpr size_t kReadBytes = 32768;
 
-// The folder itself where `ref` is a link to one.
-entry_ref
-TargetOf(const entry_ref& ref)
+struct RefHash {
+	size_t operator()(const entry_ref& ref) const
+	{
+		const std::string_view name(ref.name != nullptr ? ref.name : "");
+		return std::hash<std::string_view>()(name) ^ ref.directory * 0x9e3779b97f4a7c15ULL;
+	}
+};
+
+// A folder and those above it, each with the steps up to it.
+typedef std::unordered_map<entry_ref, size_t, RefHash> Ancestry;
+
+Ancestry
+AncestryOf(const entry_ref& folder)
 {
-	entry_ref target;
-	const BEntry entry(&ref, true);
-	return entry.IsDirectory() && entry.GetRef(&target) == B_OK ? target : ref;
+	Ancestry ancestry{{folder, 0}};
+	BEntry entry(&folder, true);
+	BEntry parent;
+	entry_ref ref;
+	while (entry.GetParent(&parent) == B_OK && parent.GetRef(&ref) == B_OK &&
+		ancestry.try_emplace(ref, ancestry.size()).second)
+		entry = parent;
+	return ancestry;
 }
 
-// Names of the folders in a folder; links to folders are none. Most file systems tell entries and
-// folders apart without being asked for each one.
-std::vector<std::string>
-FoldersIn(BDirectory& folder)
+// Of two absolute paths, without asking the disk; at any depth.
+std::string
+CommonAncestor(std::string_view a, std::string_view b)
 {
-	std::vector<std::string> names;
-	const std::unique_ptr<char[]> buffer(new char[kReadBytes]); // aligned for anything
-	int32 count;
-	while (
-		(count = folder.GetNextDirents(reinterpret_cast<dirent*>(buffer.get()), kReadBytes)) > 0) {
-		const char* next = buffer.get();
-		for (int32 i = 0; i < count; i++) {
-			const dirent* entry = reinterpret_cast<const dirent*>(next);
-			next += entry->d_reclen;
-			if (strcmp(entry->d_name, ".") == 0 || strcmp(entry->d_name, "..") == 0)
-				continue;
-			if (entry->d_type == DT_DIR ||
-				(entry->d_type == DT_UNKNOWN && BEntry(&folder, entry->d_name).IsDirectory()))
-				names.emplace_back(entry->d_name);
-		}
+	const auto ends = [](std::string_view path, size_t i) {
+		return i == path.size() || path[i] == '/';
+	};
+	size_t end = 0; // of what both begin with, in whole names
+	for (size_t i = 0;; i++) {
+		if (ends(a, i) && ends(b, i))
+			end = i;
+		if (i == a.size() || i == b.size() || a[i] != b[i])
+			break;
 	}
-	return names;
+	return end == 0 ? "/" : std::string(a.substr(0, end));
 }
 
 } // namespace
@@ -73,9 +84,7 @@ OutlineView::AttachedToWindow()
 	BRect bounds = Bounds();
 	bounds.right -= B_V_SCROLL_BAR_WIDTH;
 	bounds.bottom -= B_H_SCROLL_BAR_HEIGHT;
-	fList = new ColumnListView(bounds, &fScrollView, "outline", B_FOLLOW_ALL_SIDES,
-		B_WILL_DRAW | B_PULSE_NEEDED | B_FRAME_EVENTS | B_NAVIGABLE, B_SINGLE_SELECTION_LIST, true,
-		true, true, B_FANCY_BORDER, be_plain_font);
+	fList = new FileListView(bounds, &fScrollView, "outline", B_SINGLE_SELECTION_LIST, true);
 	fList->AddColumn(new CLVColumn(nullptr, 0,
 		CLV_COLUMN_EXPANDER | CLV_COLUMN_LOCK_AT_START | CLV_COLUMN_NOT_MOVABLE,
 		kLeastColumnWidth));
@@ -85,47 +94,60 @@ OutlineView::AttachedToWindow()
 	fList->SetSelectionMessage(new BMessage(kMSG_OutlineSelection));
 	fList->SetInvocationMessage(new BMessage(kMSG_OutlineInvocation));
 	fList->SetTarget(this);
-	AddRoot(fRoot);
-	fShown = fRoot;
+	AddRoot();
+	fScannedWindow = Window();
+	fScanner = spawn_thread(AddFolders_threaded, "AddFolder", B_LOW_PRIORITY, this);
+	if (fScanner >= 0)
+		resume_thread(fScanner);
+}
+
+// The scanner may be anywhere: it ends when it next wants the window's lock, which is ours.
+void
+OutlineView::DetachedFromWindow()
+{
+	fStopping = true;
+	if (fScanner >= 0)
+		kill_thread(fScanner);
+	fScanner = -1;
 }
 
 void
-OutlineView::AddRoot(const entry_ref& root)
+OutlineView::AddRoot()
 {
-	fRoot = TargetOf(root);
 	FolderItem* item = new FolderItem(new entry_ref(fRoot));
 	fList->AddItem(item);
 	AddFolders(item);
-	if (item->IsSuperItem())
-		fList->Expand(item);
+	fList->Expand(item);
 }
 
 void
 OutlineView::SetRoot(entry_ref* ref)
 {
+	fRoot = *ref;
+	fList->CloseEditor();
 	DeleteRows();
-	AddRoot(*ref);
+	AddRoot();
 	fList->Select(0);
-}
-
-FolderItem*
-OutlineView::RowAt(int32 index) const
-{
-	return static_cast<FolderItem*>(fList->FullListItemAt(index));
 }
 
 void
 OutlineView::DeleteRows()
 {
-	std::vector<std::unique_ptr<FolderItem>> rows;
+	{
+		std::lock_guard lock(fQueueLock);
+		fQueue.Clear();
+	}
+	fFilling = Filling();
+	FolderItems rows;
 	for (int32 i = 0; i < fList->FullListCountItems(); i++)
-		rows.emplace_back(RowAt(i));
+		rows.emplace_back(static_cast<FolderItem*>(fList->FullListItemAt(i)));
 	fList->MakeEmpty();
 }
 
 void
 OutlineView::MessageReceived(BMessage* message)
 {
+	Debug.Print(kDebugLevel, message);
 	switch (message->what) {
 		case kMSG_OutlineInvocation: {
 			int32 index;
@@ -137,13 +159,24 @@ OutlineView::MessageReceived(BMessage* message)
 		case kMSG_OutlineSelection:
 			FolderSelected(*message);
 			break;
+		// Each of these three goes on to the next: whenever a row asks for its scan, the selected
+		// row is opened.
+		case kMSG_ExpandSubItems:
+			ExpandSubItems(*message);
+			[[fallthrough]];
 		case kMSG_ExpandThisItem:
-			FolderDrawn(*message);
+			ExpandThisItem(*message);
+			[[fallthrough]];
+		case kMSG_SetFolder:
+			SetFolder(*message);
 			break;
-		case kMSG_SetFolder: {
-			entry_ref folder;
-			if (message->FindRef(kName_Folder, &folder) == B_OK)
-				SetFolder(folder);
+		case kMSG_DragFile:
+		case B_PASTE:
+			fList->RefsAdded(message);
+			break;
+		case kMSG_Refresh: {
+			entry_ref root(fRoot);
+			SetRoot(&root);
 			break;
 		}
 		default:
@@ -151,31 +184,43 @@ OutlineView::MessageReceived(BMessage* message)
 	}
 }
 
-// Once for each row; the new ones are hidden until it is opened.
-void
-OutlineView::AddFolders(FolderItem* item)
+FolderItem*
+OutlineView::ItemIn(const BMessage& message) const
 {
-	if (item->Count() >= 0)
-		return;
-	BDirectory folder(item->GetRef());
-	node_ref node;
-	folder.GetNodeRef(&node);
-	const std::vector<std::string> names = FoldersIn(folder);
-	for (const std::string& name : names)
-		fList->AddUnder(new FolderItem(new entry_ref(node.device, node.node, name.c_str())), item);
-	item->SetCount(static_cast<int32>(names.size()));
-	if (!names.empty())
-		fList->InvalidateItem(fList->IndexOf(item)); // for its arrow
+	void* item;
+	if (message.FindPointer("item", &item) != B_OK)
+		return nullptr;
+	FolderItem* folder = static_cast<FolderItem*>(item);
+	return fList->FullListHasItem(folder) ? folder : nullptr;
 }
 
 void
-OutlineView::FolderDrawn(const BMessage& request)
+OutlineView::ExpandSubItems(const BMessage& message)
 {
-	void* item;
-	// It may have gone since; only its address is looked at before it is known to be here.
-	if (request.FindPointer("item", &item) == B_OK &&
-		fList->FullListHasItem(static_cast<FolderItem*>(item)))
-		AddFolders(static_cast<FolderItem*>(item));
+	FolderItem* item = ItemIn(message);
+	if (item == nullptr)
+		return;
+	const auto enqueue = [](CLVListItem* below, void* view) -> CLVListItem* {
+		if (!below->IsSuperItem())
+			static_cast<OutlineView*>(view)->Enqueue(static_cast<FolderItem*>(below));
+		return nullptr;
+	};
+	fList->EachItemUnder(item, true, enqueue, this);
+	WakeScanner();
+}
+
+void
+OutlineView::ExpandThisItem(const BMessage& message)
+{
+	Debug.StdOut(kDebugLevel, "ExThisI\n");
+	FolderItem* item = ItemIn(message);
+	if (item == nullptr)
+		return;
+	if (item->IsSuperItem())
+		Debug.StdOut(kDebugLevel, "Already SuperItem\n");
+	else
+		Enqueue(item);
+	WakeScanner();
 }
 
 void
@@ -187,70 +232,97 @@ OutlineView::FolderSelected(const BMessage& message)
 	FolderItem* item = static_cast<FolderItem*>(fList->ItemAt(index));
 	if (item == nullptr)
 		return;
-	// What the other panes show already they need not be told.
-	if (*item->GetRef() != fShown) {
-		fShown = *item->GetRef();
-		BMessage change(kMSG_ChangeFolder);
-		change.AddPointer("source", this);
-		change.AddRef(kName_Folder, item->GetRef());
-		Window()->PostMessage(&change);
-	}
+	BMessage change(kMSG_ChangeFolder);
+	change.AddPointer("source", this);
+	change.AddRef(kName_Folder, item->GetRef());
+	Window()->PostMessage(&change);
 	AddFolders(item);
 }
 
 void
+OutlineView::SetFolder(const BMessage& message)
+{
+	entry_ref folder;
+	message.FindRef(kName_Folder, &folder);
+	SetFolder(folder);
+}
+
+// An unset ref comes with every request of a row: it opens the selected row and does no more.
+void
 OutlineView::SetFolder(const entry_ref& folder)
 {
-	fShown = TargetOf(folder);
-	if (FolderItem* item = DisplayFolder(fShown))
-		ExpandItem(item);
-	else
-		fList->DeselectAll();
-}
-
-FolderItem*
-OutlineView::FindFolder(const entry_ref& folder) const
-{
-	for (int32 i = 0; i < fList->FullListCountItems(); i++) {
-		if (*RowAt(i)->GetRef() == folder)
-			return RowAt(i);
+	CLVListItem* selected = static_cast<CLVListItem*>(fList->ItemAt(fList->CurrentSelection()));
+	if (selected != nullptr && selected->IsSuperItem())
+		fList->Expand(selected);
+	if (folder.name == nullptr)
+		return;
+	if (selected != nullptr && selected->IsSuperItem()) {
+		const auto isIt = [](CLVListItem* below, void* ref) -> CLVListItem* {
+			const bool equal =
+				*static_cast<FolderItem*>(below)->GetRef() == *static_cast<const entry_ref*>(ref);
+			return equal ? below : nullptr;
+		};
+		void* wanted = const_cast<entry_ref*>(&folder);
+		if (CLVListItem* child = fList->EachItemUnder(selected, true, isIt, wanted)) {
+			fList->Select(fList->IndexOf(child));
+			return;
+		}
 	}
-	return nullptr;
+	const BEntry entry(&folder, true);
+	entry_ref target;
+	if (entry.InitCheck() != B_OK || entry.GetRef(&target) != B_OK)
+		return;
+	CheckRoot(target);
+	if (FolderItem* item = DisplayFolder(target))
+		fList->Select(fList->IndexOf(item));
 }
 
-// The folder's row, made if need be with those on the way to it; null outside the root.
+// Null when the folder's own row is not known: its parent may not have been scanned yet.
 FolderItem*
 OutlineView::DisplayFolder(const entry_ref& folder)
 {
-	std::vector<entry_ref> missing; // rows, from the folder upwards
-	BEntry entry(&folder);
-	entry_ref ref = folder;
-	FolderItem* item;
-	while ((item = FindFolder(ref)) == nullptr) {
-		missing.push_back(ref);
-		BEntry parent;
-		if (entry.GetParent(&parent) != B_OK || parent.GetRef(&ref) != B_OK)
-			return nullptr;
-		entry = parent;
+	if (fFilling.parent != nullptr)
+		AddSlice(fFilling, SIZE_MAX);
+	const Ancestry ancestry = AncestryOf(folder);
+	FolderItem* nearest = nullptr;
+	size_t steps = ancestry.size();
+	for (int32 i = 0; i < fList->FullListCountItems() && steps > 0; i++) {
+		FolderItem* item = static_cast<FolderItem*>(fList->FullListItemAt(i));
+		const auto found = ancestry.find(*item->GetRef());
+		if (found != ancestry.end() && found->second < steps) {
+			nearest = item;
+			steps = found->second;
+		}
 	}
-	for (; !missing.empty(); missing.pop_back()) {
-		AddFolders(item);
-		item = FindFolder(missing.back());
-		if (item == nullptr)
-			return nullptr;
-	}
-	return item;
+	if (nearest != nullptr)
+		ExpandItem(nearest);
+	return steps == 0 ? nearest : nullptr;
 }
 
 void
 OutlineView::ExpandItem(FolderItem* item)
 {
-	AddFolders(item);
-	if (item->IsSuperItem())
-		fList->Expand(item);
 	for (CLVListItem* above = fList->Superitem(item); above != nullptr;
 		 above = fList->Superitem(above))
 		fList->Expand(above);
+	if (item->IsSuperItem())
+		fList->Expand(item);
 	fList->Select(fList->IndexOf(item));
 	fList->ScrollToSelection();
+}
+
+// The window answers by setting the root: until then the old tree is there.
+void
+OutlineView::CheckRoot(const entry_ref& folder)
+{
+	const BPath wanted(&folder);
+	const BPath root(&fRoot);
+	entry_ref ancestor;
+	if (wanted.InitCheck() != B_OK || root.InitCheck() != B_OK ||
+		get_ref_for_path(CommonAncestor(wanted.Path(), root.Path()).c_str(), &ancestor) != B_OK ||
+		ancestor == fRoot)
+		return;
+	BMessage change(kMSG_SetRoot);
+	change.AddRef(kName_Folder, &ancestor);
+	Window()->PostMessage(&change, Parent());
 }

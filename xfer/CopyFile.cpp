@@ -38,49 +38,51 @@ ReportError(const char* format, const char* name, status_t status)
 
 // Asked before opening, which can have an effect on a device, and after it, when it is certain.
 status_t
-RefuseAllButFiles(const BStatable& node)
+RefuseAllButFiles(const BStatable& statable, node_ref* node = nullptr)
 {
-	if (node.IsDirectory())
-		return B_IS_A_DIRECTORY;
-	return node.IsFile() ? B_OK : B_NOT_ALLOWED;
+	struct stat status;
+	if (status_t error = statable.GetStat(&status); error != B_OK)
+		return error;
+	if (node != nullptr) {
+		node->device = status.st_dev;
+		node->node = status.st_ino;
+	}
+	if (S_ISREG(status.st_mode))
+		return B_OK;
+	return S_ISDIR(status.st_mode) ? B_IS_A_DIRECTORY : B_NOT_ALLOWED;
 }
 
 // A file that is there already is not emptied yet.
 status_t
-OpenTarget(const BPath* path, BFile* file)
+OpenTarget(const BPath* path, BFile* file, node_ref* node)
 {
 	status_t status = BDirectory().CreateFile(path->Path(), file, true);
-	if (status != B_FILE_EXISTS)
-		return status;
-	uint32 mode = B_READ_WRITE;
-	status = B_OK;
-	BEntry entry(path->Path(), true);
-	if (entry.Exists())
+	if (status == B_FILE_EXISTS) {
+		BEntry entry(path->Path(), true);
+		uint32 mode = B_READ_WRITE;
 		status = RefuseAllButFiles(entry);
-	else
-		mode |= B_CREATE_FILE; // a link whose target is missing gets it now
-	if (status == B_OK)
-		status = file->SetTo(path->Path(), mode);
-	return status == B_OK ? RefuseAllButFiles(*file) : status;
+		if (status == B_ENTRY_NOT_FOUND) { // a link whose target is missing gets it now
+			mode |= B_CREATE_FILE;
+			status = B_OK;
+		}
+		if (status == B_OK)
+			status = file->SetTo(path->Path(), mode);
+	}
+	return status == B_OK ? RefuseAllButFiles(*file, node) : status;
 }
 
 // B_NOT_ALLOWED when the source is the target under another name.
 status_t
-OpenSource(const entry_ref* source, const BFile& target, BFile* file)
+OpenSource(const entry_ref* source, const node_ref& target, BFile* file)
 {
 	BEntry entry(source, true);
-	status_t status = entry.Exists() ? RefuseAllButFiles(entry) : B_ENTRY_NOT_FOUND;
+	node_ref node;
+	status_t status = RefuseAllButFiles(entry);
 	if (status == B_OK)
-		status = file->SetTo(source, B_READ_ONLY);
+		status = file->SetTo(&entry, B_READ_ONLY);
 	if (status == B_OK)
-		status = RefuseAllButFiles(*file);
-	node_ref from;
-	node_ref to;
-	if (status == B_OK)
-		status = file->GetNodeRef(&from);
-	if (status == B_OK)
-		status = target.GetNodeRef(&to);
-	return status == B_OK && from == to ? B_NOT_ALLOWED : status;
+		status = RefuseAllButFiles(*file, &node);
+	return status == B_OK && node == target ? B_NOT_ALLOWED : status;
 }
 
 bool
@@ -145,12 +147,13 @@ CopyFile(const entry_ref* source, const BPath* target)
 	if (sourceNode.InitCheck() != B_OK)
 		return false;
 	BFile targetFile;
-	if (status_t status = OpenTarget(target, &targetFile); status != B_OK) {
+	node_ref made;
+	if (status_t status = OpenTarget(target, &targetFile, &made); status != B_OK) {
 		ReportError("Error creating %s - %s\n", target->Path(), status);
 		return false;
 	}
 	BFile sourceFile;
-	if (status_t status = OpenSource(source, targetFile, &sourceFile); status != B_OK) {
+	if (status_t status = OpenSource(source, made, &sourceFile); status != B_OK) {
 		ReportError("Error opening %s - %s\n", source->name, status);
 		return false;
 	}
@@ -162,8 +165,11 @@ CopyFile(const entry_ref* source, const BPath* target)
 		return false;
 
 	BNode targetNode(target->Path());
-	if (targetNode.InitCheck() != B_OK)
+	node_ref found;
+	if (targetNode.GetNodeRef(&found) != B_OK)
 		return false;
+	if (!(found == made) && !targetNode.IsSymLink())
+		return false; // another file's name by now
 	CopyAttributes(&sourceNode, &targetNode);
 	Debug.StdOut(kDebugLevel, "\nDone.\n");
 	return true;

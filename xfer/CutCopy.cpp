@@ -31,6 +31,20 @@ Fill(BMessage* data, int32 command, const entry_ref* ref)
 	data->AddBool(static_cast<uint32>(command) == B_COPY ? kCopy : kCut, true);
 }
 
+bool
+HaveSameRefs(const BMessage& a, const BMessage& b)
+{
+	entry_ref first;
+	entry_ref second;
+	for (int32 i = 0;; i++) {
+		const bool isThere = a.FindRef(kName_Refs, i, &first) == B_OK;
+		if ((b.FindRef(kName_Refs, i, &second) == B_OK) != isThere || first != second)
+			return false;
+		if (!isThere)
+			return true;
+	}
+}
+
 } // namespace
 
 bool
@@ -66,7 +80,7 @@ FindPasteType(const BMessage& data, ETransferType* type)
 }
 
 void
-ForgetCut(const entry_ref& ref)
+ForgetCutFile(const entry_ref& ref)
 {
 	if (!be_clipboard->Lock())
 		return;
@@ -76,11 +90,23 @@ ForgetCut(const entry_ref& ref)
 		if (cut != ref)
 			continue;
 		data->RemoveData(kName_Refs, i);
-		data->RemoveData("text/plain", i);
+		data->RemoveData(kPathText, i);
 		if (!data->HasRef(kName_Refs))
 			be_clipboard->Clear();
 		be_clipboard->Commit();
 		break;
+	}
+	be_clipboard->Unlock();
+}
+
+void
+ForgetCut(const BMessage& pasted)
+{
+	if (!pasted.HasBool(kCut) || !be_clipboard->Lock())
+		return;
+	if (be_clipboard->Data()->HasBool(kCut) && HaveSameRefs(*be_clipboard->Data(), pasted)) {
+		be_clipboard->Clear();
+		be_clipboard->Commit();
 	}
 	be_clipboard->Unlock();
 }

@@ -13,8 +13,7 @@ namespace NFileXFer {
 // What a paste of the clipboard's contents does; false when they are not meant for pasting.
 bool FindPasteType(const BMessage& data, ETransferType* type);
 
-// A file that was cut is pasted once: what is there under its name later is another one. Others
-// that were cut with it stay on the clipboard.
-void ForgetCut(const entry_ref& ref);
+// Takes one file that was cut from the clipboard; others that were cut with it stay there.
+void ForgetCutFile(const entry_ref& ref);
 
 } // namespace NFileXFer

@@ -56,6 +56,11 @@ bool DeleteFile(const entry_ref* ref, bool toTrash);
 // moved by the next paste. True, also when there is no clipboard.
 bool CutCopy(int32 command, const entry_ref* ref);
 
+// For who pastes a copy of the clipboard's contents, after its last file: what is cut is pasted
+// once, since what is there under its name later is another file. Empties the clipboard if the
+// message is a cut and is still there.
+void ForgetCut(const BMessage& pasted);
+
 // Copies the data and attributes of a regular file, in the calling thread. A target that is there
 // is overwritten in place, but not before the source is known to be readable and another file;
 // after a failure the target stays as far as it was filled.

@@ -64,25 +64,21 @@ ChooseForDrop(const BMessage& message, const BView* view, ETransferType* type)
 	return true;
 }
 
-// As ChooseForDrop(); `isPaste` says that the clipboard has decided.
 bool
-Choose(const BMessage& message, const BView* view, ETransferType* type, bool* isPaste)
+Choose(const BMessage& message, const BView* view, ETransferType* type)
 {
-	*isPaste = false;
 	if (message.what == kMSG_CreateLink) {
 		*type = eLink;
 		return true;
 	}
 	if (message.what == B_PASTE && be_clipboard->Lock()) {
-		*isPaste = FindPasteType(*be_clipboard->Data(), type);
+		const bool isPaste = FindPasteType(*be_clipboard->Data(), type);
 		be_clipboard->Unlock();
-		return *isPaste;
+		return isPaste;
 	}
 	// A copy of the clipboard's contents: the keys that are held then belong to the command.
-	if (!message.WasDropped() && FindPasteType(message, type)) {
-		*isPaste = true;
+	if (!message.WasDropped() && FindPasteType(message, type))
 		return true;
-	}
 	return ChooseForDrop(message, view, type);
 }
 
@@ -114,11 +110,10 @@ HandleFileMessage(
 	const BMessage* message, const entry_ref* entry, const entry_ref* folder, const BView* view)
 {
 	ETransferType type;
-	bool isPaste;
-	if (!Choose(*message, view, &type, &isPaste) || !Transfer(type, entry, folder, view))
+	if (!Choose(*message, view, &type) || !Transfer(type, entry, folder, view))
 		return false;
-	if (isPaste && type == eMove)
-		ForgetCut(*entry);
+	if (message->what == B_PASTE && type == eMove)
+		ForgetCutFile(*entry);
 	return true;
 }
 

@@ -18,13 +18,15 @@ namespace NFileXFer {
 
 namespace {
 
-// The window's own work comes first.
+// The window's own work comes first. Counted from the call: of thousands that are asked for at once
+// those that had to wait for others have paused enough.
 constexpr bigtime_t kPauseBefore = 10000;
 constexpr int32 kYes = 0;
 
 struct MoveRecord {
 	std::unique_ptr<BEntry> entry;
 	std::unique_ptr<BDirectory> folder;
+	bigtime_t asked = system_time();
 };
 
 // False also when the question is closed without an answer, as at the program's end.
@@ -73,7 +75,7 @@ MoveFile_(void* data)
 {
 	std::unique_ptr<MoveRecord> record(static_cast<MoveRecord*>(data));
 	gUpdateTolerance++;
-	snooze(kPauseBefore);
+	snooze(record->asked + kPauseBefore - system_time());
 	bool isMoved = MoveFile_(record->entry.get(), record->folder.get());
 	record.reset();
 	gUpdateTolerance--;

@@ -17,7 +17,7 @@ AddPathText(BMessage* message, const entry_ref* ref)
 	BEntry entry(ref, false);
 	BPath path;
 	const char* text = entry.GetPath(&path) == B_OK ? path.Path() : "";
-	message->AddData("text/plain", B_MIME_TYPE, text, strlen(text) + 1);
+	message->AddData(kPathText, B_MIME_TYPE, text, strlen(text) + 1);
 }
 
 } // namespace NFileXFer

@@ -10,7 +10,9 @@ class BMessage;
 
 namespace NFileXFer {
 
-// Adds it as "text/plain", with its NUL; a link's own path, and nothing but the NUL for an entry
+constexpr const char* kPathText = "text/plain"; // the field
+
+// Adds it with its NUL; a link's own path, and nothing but the NUL for an entry
 // that has none, so that texts and entries stay in step.
 void AddPathText(BMessage* message, const entry_ref* ref);
 

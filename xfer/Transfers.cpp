@@ -13,7 +13,7 @@ namespace NFileXFer {
 
 namespace {
 
-constexpr int32 kQuickAtOnce = 8;
+constexpr int32 kQuickAtOnce = 2;
 constexpr int32 kMostAtOnce = 128;
 constexpr bigtime_t kPatience = 50000;
 

@@ -134,7 +134,8 @@ struct SlantedLine {
 
 	QRect Span(int32 major) const
 	{
-		const int64 length = majorEnd - int64(majorStart);
+		// Both ends may lie on one pixel of a screen with fewer than logical ones.
+		const int64 length = std::max<int64>(1, majorEnd - int64(majorStart));
 		const int64 rise = 2 * (int64(minorEnd) - minorStart) * (major - int64(majorStart));
 		// Rounds to the nearest, also below zero.
 		const int64 floored = rise + length;

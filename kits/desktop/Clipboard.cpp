@@ -23,7 +23,9 @@ namespace {
 // As told by Qt; a little late.
 std::atomic<uint64> sToldChanges = 1;
 
-X11Selection* sSelection = nullptr; // set before jobs run; null when the display is not X11's
+// Set before jobs run; null when the display is not X11's.
+X11Selection* sSelection = nullptr;
+X11Selection* sPrimary = nullptr;
 
 // Several notices may come for one change, and on X11 a look may see a new owner before the notice
 // of it.
@@ -67,8 +69,17 @@ WatchClipboard()
 	});
 	if (QGuiApplication::platformName() != QLatin1String("xcb"))
 		return; // others may have a display of X11 too, which is not the one that is shown
-	if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
-		sSelection = new X11Selection(xcb_get_setup(x11->connection())->resource_id_base);
+	if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
+		const uint32 windowBase = xcb_get_setup(x11->connection())->resource_id_base;
+		sSelection = new X11Selection("CLIPBOARD", windowBase);
+		sPrimary = new X11Selection("PRIMARY", windowBase);
+	}
+}
+
+X11Selection*
+PrimarySelection()
+{
+	return sPrimary;
 }
 
 bool

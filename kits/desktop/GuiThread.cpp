@@ -9,6 +9,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QObject>
+#include <QThread>
 
 #include <algorithm>
 #include <atomic>
@@ -338,6 +339,9 @@ void
 EnterGuiThread()
 {
 	tIsGuiThread = true;
+	// The first thread that Qt meets is its main thread for good. A picture that the program makes
+	// while the desktop is starting must not make it the program's: windows would stay black.
+	QThread::currentThread();
 }
 
 void

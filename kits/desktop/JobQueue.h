@@ -7,7 +7,7 @@
 
 namespace desktop {
 
-// Declares the calling thread to be the GUI thread.
+// Declares the calling thread to be the GUI thread. Before any other thread is started.
 void EnterGuiThread();
 
 // Before any other thread is started.

@@ -4,7 +4,12 @@
 
 #include <desktop/Text.h>
 
+#include "ClipboardWatch.h"
+#include "X11Selection.h"
+
+#include <desktop/Clipboard.h>
 #include <desktop/GuiThread.h>
+#include <support/Errors.h>
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -30,16 +35,40 @@ SetPrimaryText(std::string text)
 	});
 }
 
-void
-RequestPrimaryText(std::function<void(const std::string&)> done)
+// Of another program, over a connection of our own: the GUI thread would wait too long for one
+// that does not answer.
+static bool
+ReadFromOthers(X11Selection& selection, std::string* text)
 {
-	PostGui([done = std::move(done)] {
-		QClipboard* clipboard = QGuiApplication::clipboard();
-		if (!clipboard->supportsSelection() || clipboard->ownsSelection())
-			done(OwnText());
-		else
-			done(clipboard->text(QClipboard::Selection).toStdString());
-	});
+	uint32 owner = 0;
+	bool ours = false;
+	if (selection.GetOwner(&owner, &ours) != B_OK || ours)
+		return false;
+	std::vector<std::string> formats;
+	if (owner == 0 || selection.List(&formats) != B_OK ||
+		selection.Read(format::kText, text) != B_OK)
+		text->clear();
+	return true;
+}
+
+std::string
+PrimaryText()
+{
+	std::string text;
+	// What was selected here before this call has been told to the display when it returns.
+	if (!WaitForDesktop() || !CallGui([&] { text = OwnText(); }))
+		return text;
+	X11Selection* selection = PrimarySelection();
+	if (selection != nullptr && ReadFromOthers(*selection, &text))
+		return text;
+	if (selection == nullptr) {
+		CallGui([&] {
+			const QClipboard* clipboard = QGuiApplication::clipboard();
+			if (clipboard->supportsSelection() && !clipboard->ownsSelection())
+				text = clipboard->text(QClipboard::Selection).toStdString();
+		});
+	}
+	return text;
 }
 
 } // namespace desktop

@@ -9,7 +9,6 @@
 
 #include <desktop/Canvas.h>
 
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,7 +46,8 @@ std::vector<TextCluster> ClustersOf(const FontSpec& font, std::string_view text)
 // The text that was selected last, here or in another program: what the middle button pastes. Where
 // the desktop knows no such selection, it lives in this process only.
 void SetPrimaryText(std::string text);
-// `done` is called by the GUI thread and must not wait; with an empty text when there is none.
-void RequestPrimaryText(std::function<void(const std::string& text)> done);
+// Empty when there is none. Not in the GUI thread; waits for the program that has it, a second at
+// most without a sign of life.
+std::string PrimaryText();
 
 } // namespace desktop

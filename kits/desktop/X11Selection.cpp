@@ -28,7 +28,7 @@ using Reply = std::unique_ptr<T, Free>;
 
 } // namespace
 
-const char* const X11Selection::kNames[kAtoms] = {"CLIPBOARD", "TARGETS", "INCR", format::kMessage,
+const char* const X11Selection::kNames[kAtoms] = {nullptr, "TARGETS", "INCR", format::kMessage,
 	format::kCopiedFiles, format::kUriList, format::kCutSelection, "UTF8_STRING",
 	"text/plain;charset=utf-8", format::kText, "STRING"};
 
@@ -66,7 +66,7 @@ X11Selection::Connect()
 	std::array<xcb_intern_atom_cookie_t, kAtoms + kProperties> cookies;
 	for (int i = 0; i < kAtoms + kProperties; i++) {
 		const std::string name =
-			i < kAtoms ? kNames[i] : "KORVA_CLIPBOARD_" + std::to_string(i - kAtoms);
+			i < kAtoms ? NameOf(i) : "KORVA_CLIPBOARD_" + std::to_string(i - kAtoms);
 		cookies[size_t(i)] =
 			xcb_intern_atom(fConnection, 0, static_cast<uint16>(name.size()), name.c_str());
 	}
@@ -90,7 +90,7 @@ X11Selection::GetOwner(uint32* window, bool* ours)
 	if (!Connect())
 		return B_ERROR;
 	const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-		fConnection, xcb_get_selection_owner(fConnection, fAtoms[kClipboard]), nullptr));
+		fConnection, xcb_get_selection_owner(fConnection, fAtoms[kSelection]), nullptr));
 	if (!reply)
 		return B_ERROR;
 	*window = reply->owner;
@@ -215,7 +215,7 @@ X11Selection::Convert(uint32 target, std::string* bytes)
 	const uint32 property = fProperties[size_t(fTurn)];
 	xcb_delete_property(fConnection, fWindow, property);
 	xcb_convert_selection(
-		fConnection, fWindow, fAtoms[kClipboard], target, property, XCB_CURRENT_TIME);
+		fConnection, fWindow, fAtoms[kSelection], target, property, XCB_CURRENT_TIME);
 	xcb_flush(fConnection);
 	const bigtime_t start = system_time();
 	status_t status = Await(property, target, start + kClipboardPatience);

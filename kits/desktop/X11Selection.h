@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 
-// Reads X11's clipboard over a connection to the display of its own. Internal to this folder.
+// Reads one of X11's selections, as the clipboard, over a connection to the display of its own.
+// Internal to this folder.
 //
 // Any thread; one reads at a time. Never waits longer than the patience without a sign of life of
-// the program that holds the clipboard, and never longer than kLongestTransfer for all of it.
+// the program that holds the selection, and never longer than kLongestTransfer for all of it.
 
 #pragma once
 
@@ -24,13 +25,14 @@ public:
 	static constexpr bigtime_t kLongestTransfer = 5000000;        // microseconds
 	static constexpr size_t kLargestTransfer = 256 * 1024 * 1024; // bytes
 
-	// `windowBase`: where the numbers of the windows of Qt's connection begin.
-	explicit X11Selection(uint32 windowBase) : fWindowBase(windowBase) {}
+	// `name`: "CLIPBOARD" or "PRIMARY". `windowBase`: where the numbers of the windows of Qt's
+	// connection begin.
+	X11Selection(const char* name, uint32 windowBase) : fName(name), fWindowBase(windowBase) {}
 	~X11Selection();
 	X11Selection(const X11Selection&) = delete;
 	X11Selection& operator=(const X11Selection&) = delete;
 
-	// The window that holds the clipboard, or 0, and whether it is one of Qt's. B_ERROR without a
+	// The window that holds the selection, or 0, and whether it is one of Qt's. B_ERROR without a
 	// display.
 	status_t GetOwner(uint32* window, bool* ours);
 
@@ -43,7 +45,7 @@ public:
 
 private:
 	enum Atom {
-		kClipboard,
+		kSelection,
 		kTargets,
 		kIncr,
 		kMessage,
@@ -66,9 +68,11 @@ private:
 	status_t ReadParts(uint32 property, bigtime_t end, std::string* bytes);
 	void NoteLate(const xcb_selection_notify_event_t& event);
 	status_t ListAtoms(std::vector<uint32>* atoms);
-	static const char* const kNames[kAtoms];
+	const char* NameOf(int atom) const { return atom == kSelection ? fName : kNames[atom]; }
+	static const char* const kNames[kAtoms]; // the selection's own is left out
 
 	std::mutex fLock; // guards all below
+	const char* const fName;
 	const uint32 fWindowBase;
 	xcb_connection_t* fConnection = nullptr;
 	uint32 fWindow = 0;

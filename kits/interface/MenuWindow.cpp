@@ -75,6 +75,13 @@ MenuMasterWindow::~MenuMasterWindow()
 {
 	for (const BMessenger& submenu : fSubmenus)
 		submenu.SendMessage(kMsgCloseMenu);
+	// One that comes onto the screen late would lie below the next menu, and take it along when it
+	// closes.
+	for (const thread_id thread : fSubmenuThreads) {
+		status_t result;
+		while (wait_for_thread(thread, &result) == B_INTERRUPTED) {
+		}
+	}
 	fSession->Finish(fTracker.Choice());
 }
 
@@ -176,6 +183,7 @@ MenuMasterWindow::PaneOpened(int32, const MenuPane& pane)
 	auto* window = new MenuWindow("submenu", pane, BMessenger(this));
 	fSubmenus.push_back(BMessenger(window));
 	window->Show();
+	fSubmenuThreads.push_back(window->Thread());
 }
 
 void

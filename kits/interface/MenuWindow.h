@@ -64,7 +64,8 @@ private:
 
 	const std::shared_ptr<MenuSession> fSession;
 	MenuTracker fTracker;
-	std::vector<BMessenger> fSubmenus; // the windows of levels 1, 2, ...
+	std::vector<BMessenger> fSubmenus;      // the windows of levels 1, 2, ...
+	std::vector<thread_id> fSubmenuThreads; // of these, and of those closed meanwhile
 };
 
 } // namespace BPrivate

@@ -3,6 +3,7 @@
 #include <interface/Modal.h>
 
 #include <app/AppDefs.h>
+#include <app/Application.h>
 #include <desktop/GuiThread.h>
 #include <interface/Window.h>
 
@@ -54,6 +55,16 @@ BPrivate::InputBlockedBy(const BWindow* window)
 	Registry& registry = TheRegistry();
 	std::lock_guard lock(registry.lock);
 	return !registry.open.empty() && registry.open.back().window != window;
+}
+
+bool
+BPrivate::CloseBlockedBy(const BWindow* window)
+{
+	Registry& registry = TheRegistry();
+	std::lock_guard lock(registry.lock);
+	return !registry.open.empty() && registry.open.back().window != window &&
+		std::any_of(registry.open.begin(), registry.open.end(),
+			[](const Alert& alert) { return !alert.queues; });
 }
 
 void
@@ -156,6 +167,9 @@ BPrivate::ModalCall::Wait(sem_id done, const std::function<void()>& askedToQuit)
 		}
 		return;
 	}
+	// The view under the pointer is not told when the pointer leaves it meanwhile.
+	if (fWindow != nullptr && be_app != nullptr)
+		be_app->SetCursor(B_HAND_CURSOR);
 	while (acquire_sem_etc(done, 1, B_RELATIVE_TIMEOUT, kServeInterval) == B_TIMED_OUT) {
 		bigtime_t deadline = B_INFINITE_TIMEOUT;
 		if (fWindow != nullptr && fWindow->LockWithTimeout(0) == B_OK) {

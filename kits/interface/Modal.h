@@ -21,8 +21,11 @@ constexpr uint32 kMsgShowAlert = '_ALS';
 constexpr uint32 kMsgCloseAlert = '_ALC';
 constexpr uint32 kMsgActivateAlert = '_ALV';
 
-// True when input and the close box of this window must be ignored.
+// True when input of this window must be ignored.
 bool InputBlockedBy(const BWindow* window);
+// True when its close box must be. What workers ask does not keep a window open: they are told -1
+// when the program ends.
+bool CloseBlockedBy(const BWindow* window);
 
 // Gives the newest open alert the keys: for a window that was activated and takes none.
 void ActivateAlert();
@@ -50,8 +53,8 @@ public:
 	// Who releases the semaphore calls this afterwards, for a looper that sleeps. Any thread, and
 	// longer than the call lives.
 	std::function<void()> Waker() const;
-	// Until the semaphore is released. `askedToQuit` is called each time that the thread's looper
-	// is seen to have been asked to quit.
+	// Until the semaphore is released; a window's thread takes its own cursor off. `askedToQuit` is
+	// called each time that the thread's looper is seen to have been asked to quit.
 	void Wait(sem_id done, const std::function<void()>& askedToQuit);
 
 private:

@@ -11,8 +11,7 @@ namespace BPrivate {
 enum : uint32 {
 	kMsgBlink = '_TBL',
 	kMsgAutoScroll = '_TAS',
-	kMsgComposing = '_TCM',   // to the focus view: "text" string, "caret" int32 in bytes
-	kMsgPrimaryText = '_TPT', // "text/plain" data
+	kMsgComposing = '_TCM', // to the focus view: "text" string, "caret" int32 in bytes
 };
 
 } // namespace BPrivate

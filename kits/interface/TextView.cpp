@@ -29,7 +29,7 @@ BTextView::SetText(const char* text)
 void
 BTextView::SetText(const char* text, int32 length)
 {
-	_SetComposing(std::string(), 0);
+	_EndComposing();
 	fModel.SetText(std::string_view(text != nullptr ? text : "", length));
 	fTracking = Unit::kNone;
 	fScroll = BPoint();

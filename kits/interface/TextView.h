@@ -102,6 +102,7 @@ private:
 	void _PutOnClipboard(BClipboard* clipboard, const std::string& text);
 	void _Drop(BMessage* message);
 	void _PastePrimary(BPoint where);
+	void _Compose(const std::string& text, size_t caret);
 	void _SetPrimary();
 
 	// TextViewInput.cpp
@@ -132,7 +133,7 @@ private:
 	BPrivate::TextModel fModel;
 	BPrivate::TextRows fRows;
 	BRect fTextRect;
-	BPoint fScroll; // along axes without a scroll bar; others scroll the view itself
+	BPoint fScroll; // of the text in the view, which itself stays where it is
 	rgb_color fTextColor = {0, 0, 0, 255};
 	bool fWrap = true;
 	bool fSingleLine = false;

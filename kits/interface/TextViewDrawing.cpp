@@ -259,6 +259,7 @@ BTextView::_Blink()
 	fCaretShown = !fCaretShown;
 	Invalidate(_CaretRect());
 	fBlink.Post(BMessenger(this), BMessage(BPrivate::kMsgBlink), kBlinkTime);
+	_TellInputMethod(); // a view above may have scrolled or moved
 }
 
 void

@@ -5,7 +5,6 @@
 #include <interface/TextView.h>
 
 #include <app/Clipboard.h>
-#include <app/Messenger.h>
 #include <interface/InterfaceDefs.h>
 #include <interface/TextMessages.h>
 #include <interface/Window.h>
@@ -222,7 +221,6 @@ BTextView::_Drop(BMessage* message)
 	_InsertFromUser(TextIn(*message), Kind::kOther);
 }
 
-// The text may take its time to come from another program: the caret remembers the place.
 void
 BTextView::_PastePrimary(BPoint where)
 {
@@ -230,11 +228,16 @@ BTextView::_PastePrimary(BPoint where)
 		return;
 	const size_t offset = OffsetAt(where);
 	_SelectRange(offset, offset);
-	desktop::RequestPrimaryText([view = BMessenger(this)](const std::string& text) {
-		BMessage message(BPrivate::kMsgPrimaryText);
-		message.AddData(kTextField, B_MIME_TYPE, text.data(), static_cast<ssize_t>(text.size()));
-		BMessenger(view).SendMessage(&message);
-	});
+	_InsertFromUser(desktop::PrimaryText(), Kind::kOther);
+}
+
+// What is composed takes the selection's place from the start, as what is typed does.
+void
+BTextView::_Compose(const std::string& text, size_t caret)
+{
+	if (!text.empty() && fModel.HasSelection())
+		_UserReplace(fModel.Begin(), fModel.End(), {}, Kind::kOther);
+	_SetComposing(text, caret);
 }
 
 void
@@ -278,12 +281,9 @@ BTextView::MessageReceived(BMessage* message)
 			int32 caret = 0;
 			message->FindInt32("caret", &caret);
 			if (fEditable && message->FindString("text", &text) == B_OK)
-				_SetComposing(text, caret);
+				_Compose(text, caret);
 			break;
 		}
-		case BPrivate::kMsgPrimaryText:
-			_InsertFromUser(TextIn(*message), Kind::kOther);
-			break;
 		default:
 			if (message->WasDropped() && AcceptsDrop(message))
 				_Drop(message);

@@ -102,7 +102,7 @@ BWindow::_Retarget(BMessage* message, BHandler* target)
 		case B_WINDOW_MOVED:
 			return _NewerIsQueued(*message) ? nullptr : this;
 		case B_QUIT_REQUESTED:
-			if (message->HasBool("close box") && BPrivate::InputBlockedBy(this)) {
+			if (message->HasBool("close box") && BPrivate::CloseBlockedBy(this)) {
 				beep();
 				return nullptr;
 			}

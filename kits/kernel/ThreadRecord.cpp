@@ -7,7 +7,7 @@
 #include <kernel/DeferKill.h>
 
 #include <chrono>
-#include <cstdio>
+#include <climits>
 #include <exception>
 #include <optional>
 #include <sys/resource.h>
@@ -51,13 +51,21 @@ WaiterQueue::ServeAll(status_t result)
 		ServeFirst(result);
 }
 
+// The destructors of a thread's data run in rounds, in any order, as long as one has set its own
+// again. Those of the toolkit delete what must not outlive the process's main thread, so the record
+// lets them go first. The very last round is the sanitizers'.
+constexpr int32 kRoundOfRecord = PTHREAD_DESTRUCTOR_ITERATIONS - 1;
+
 extern "C" {
 static void
-EndRecord(void* thread)
+EndRecord(void* data)
 {
 	Kernel& kernel = TheKernel();
+	Thread* thread = static_cast<Thread*>(data);
+	if (++thread->endingRounds < kRoundOfRecord && pthread_setspecific(kernel.endKey, thread) == 0)
+		return;
 	KernelLock lock(kernel.mutex);
-	kernel.End(static_cast<Thread*>(thread));
+	kernel.End(thread);
 	tCurrent = nullptr;
 }
 }

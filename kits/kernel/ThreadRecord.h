@@ -88,7 +88,8 @@ struct Thread {
 
 	// The thread's own business: nobody else reads them.
 	int32 heldLocks = 0;
-	int32 deferrals = 0; // living DeferKill objects
+	int32 deferrals = 0;    // living DeferKill objects
+	int32 endingRounds = 0; // of the destructors of its data
 };
 
 // The process-wide table. It is never destroyed: static objects use the kit before main() and

@@ -13,6 +13,7 @@
 
 #include <support/SupportDefs.h>
 
+#include <cstdlib>
 #include <memory>
 
 namespace BPrivate {
@@ -35,6 +36,10 @@ public:
 	bool CanWrite() const;
 
 private:
+	struct FreeBlock {
+		void operator()(char* block) const { std::free(block); }
+	};
+
 	bool CanRead() const;
 	ssize_t ReadBuffered(char* to, size_t size);
 	status_t FillAhead();
@@ -46,7 +51,7 @@ private:
 	int fDescriptor;
 	int fFlags;
 	bool fIsRegular;
-	std::unique_ptr<char[]> fBlock;
+	std::unique_ptr<char[], FreeBlock> fBlock;
 	// The program's position. Read-ahead bytes begin there, gathered ones end there.
 	off_t fPosition = 0;
 	size_t fGathered = 0; // bytes at the block's start that are to be written

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <thread>
 
 namespace {
@@ -19,8 +20,9 @@ using Numbers = std::vector<int32>;
 
 // A list of 300 by 200 pixels that fills its window.
 struct ListWindow {
-	explicit ListWindow(bool hierarchical) :
-		list(new TestList(hierarchical)), window(314, 214, list->container)
+	explicit ListWindow(bool hierarchical, float left = 0) :
+		list(new TestList(hierarchical, BRect(left, 0, left + 299, 199))),
+		window(314, 214, list->container)
 	{}
 	~ListWindow()
 	{
@@ -143,6 +145,59 @@ TEST(ColumnListWindow, ClicksOnLabelsSort)
 	EXPECT_TRUE(it.IsDrawnRight());
 }
 
+TEST(ColumnListWindow, LabelsShowTheKeysAndStayInTheirCells)
+{
+	constexpr uint32 kBlack = 0xff000000, kDark = 0xff989898, kLight = 0xffffffff;
+	constexpr uint32 kGround = 0xffd8d8d8;
+	ListWindow it(false);
+	it.Under([&] {
+		TestList* list = it.list;
+		list->NewColumn(CLV_COLUMN_SORTABLE, 100, "HH");
+		list->NewColumn(CLV_COLUMN_SORTABLE | CLV_COLUMN_MERGE_LABEL_RIGHT, 50, "H");
+		list->NewColumn(0, 60, "HHHHHHHHHHHHHHHHHHHH");
+		list->SetSortKey(0);
+		list->SetSortKey(1); // the first one keeps its direction, but is no key any more
+		return 0;
+	});
+	it.window.Settle();
+	const InjectedUser::Picture picture = it.window->Snapshot();
+	const int32 bottom = static_cast<int32>(it.list->ColumnLabelHeight());
+	const auto column = [&](int32 x) { // above the text
+		return std::vector<uint32>{picture.At(x, 1), picture.At(x, 2)};
+	};
+	EXPECT_EQ(column(0), std::vector<uint32>(2, kLight));
+	EXPECT_EQ(column(100), std::vector<uint32>(2, kDark));
+	EXPECT_EQ(column(101), std::vector<uint32>(2, kLight));
+	EXPECT_EQ(column(151), std::vector<uint32>(2, kGround)); // merged
+	EXPECT_EQ(column(152), std::vector<uint32>(2, kGround));
+	EXPECT_EQ(column(213), std::vector<uint32>(2, kLight));
+	EXPECT_EQ(picture.At(50, 0), kLight);
+	EXPECT_EQ(picture.At(50, bottom), kDark);
+	for (int32 y = 1; y <= bottom; y++)
+		EXPECT_EQ(picture.At(212, y), kDark) << y; // however long the label is
+
+	int32 textLeft = 1, keyLeft = 0, keyPixels = 0, otherPixels = 0;
+	while (picture.At(textLeft, bottom / 2) == kGround)
+		textLeft++;
+	EXPECT_NEAR(textLeft, 9.5, 1); // and what the letter leaves free at its side
+	const int32 y = 2 + [] {
+		font_height height;
+		be_plain_font->GetHeight(&height);
+		return static_cast<int32>(std::ceil(height.ascent)) + 2;
+	}();
+	for (int32 x = 1; x < 100; x++)
+		otherPixels += picture.At(x, y) == kBlack;
+	for (int32 x = 151; x > 101; x--) {
+		if (picture.At(x, y) == kBlack) {
+			keyLeft = x;
+			keyPixels++;
+		}
+	}
+	EXPECT_EQ(otherPixels, 0);
+	EXPECT_EQ(keyLeft, 101 + 8);
+	EXPECT_NEAR(keyPixels, be_plain_font->StringWidth("H") + 1, 1);
+}
+
 TEST(ColumnListWindow, DraggedEdgesResizeAndWhatIsShownStaysRight)
 {
 	ListWindow it(false);
@@ -187,6 +242,26 @@ TEST(ColumnListWindow, DraggedEdgesResizeAndWhatIsShownStaysRight)
 		});
 		EXPECT_TRUE(it.IsDrawnRight());
 		EXPECT_EQ(it.list->ColumnAt(1)->Begin(), shown ? 21 : 0);
+	}
+}
+
+TEST(ColumnListWindow, EdgesCanBeDraggedWhereTheHeaderLiesBetweenPixels)
+{
+	for (const float left : {0.4f, 0.6f}) {
+		SCOPED_TRACE(left);
+		ListWindow it(false, left);
+		FillContents(it);
+		// The edge's line is in the nearest pixel, the next one's begin already the other column.
+		const int32 edge = 100 + static_cast<int32>(std::lround(left));
+		for (int32 x = edge - 1; x <= edge + 1; x++) {
+			it.User().Press(static_cast<float>(x), kHeaderY);
+			EXPECT_TRUE(WaitUntil([&] {
+				return it.RedIn(static_cast<float>(edge), static_cast<float>(edge)) == 14;
+			})) << x;
+			it.User().Release(static_cast<float>(x), kHeaderY);
+			EXPECT_TRUE(WaitUntil([&] { return it.RedIn(0, 313) == 0; })) << x;
+		}
+		EXPECT_TRUE(it.Under([&] { return KeysOf(it.list); }).empty());
 	}
 }
 
@@ -332,6 +407,19 @@ TEST(ColumnListWindow, RowsHearOfThePointer)
 	it.list->rows.erase(it.list->rows.begin() + 1);
 	move(BPoint(6, 5), B_INSIDE_VIEW);
 	EXPECT_EQ(heard(0), (Transits{B_ENTERED_VIEW}));
+	// As good as a new row at the address of one that was taken out.
+	for (const bool all : {false, true}) {
+		it.Under([&] {
+			TestRow* row = it.list->rows[0].get();
+			if (all)
+				it.list->MakeEmpty();
+			else
+				it.list->RemoveItem(row);
+			return it.list->AddItem(row, 0);
+		});
+		move(BPoint(6, 5), B_INSIDE_VIEW);
+		EXPECT_EQ(heard(0), (Transits{B_ENTERED_VIEW})) << all;
+	}
 }
 
 TEST(ColumnListWindow, ColumnsAndKeysMayBeChangedByAnyThread)

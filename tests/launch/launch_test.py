@@ -299,6 +299,13 @@ class FileManager(LaunchTest):
         service.stdout.readline()
         return service
 
+    def find(self, program, signature=FILE_MANAGER):
+        """On a busy machine the bus may take longer than the program waits."""
+        wait_until(lambda: program.ask("running", signature) == ["1"], "the file manager is found")
+
+    def show(self, program, *paths):
+        wait_until(lambda: program.ask("show", *paths) == ["0"], "the file manager is sent folders")
+
     def shown(self, count=1):
         def read():
             with contextlib.suppress(FileNotFoundError), open(self.path("shown"), "rb") as file:
@@ -315,9 +322,8 @@ class FileManager(LaunchTest):
             os.mkdir(os.path.join(os.fsencode(self.root), name))
         os.symlink("plain", self.path("link"))
         program = self.start()
-        self.assertEqual(program.ask("running", FILE_MANAGER.upper()), ["1"])
-        self.assertEqual(program.ask("show", *(os.fsencode(self.root) + b"/" + name
-                                               for name in names)), ["0"])
+        self.find(program, FILE_MANAGER.upper())
+        self.show(program, *(os.fsencode(self.root) + b"/" + name for name in names))
         root = b"file://" + os.fsencode(self.root)
         self.assertEqual(self.shown(), [root + name for name in (
             b"/plain", b"/a%20b%2541", b"/two%0Alines", b"/%FF%C3%A4%23%3F", b"/link")])
@@ -327,8 +333,7 @@ class FileManager(LaunchTest):
         self.start_service()
         tool = self.script("files/tool", "")
         os.mkdir(self.path("folder"))
-        self.assertEqual(self.start().ask("show", os.fsencode(tool), os.fsencode(
-            self.path("folder"))), ["0"])
+        self.show(self.start(), os.fsencode(tool), os.fsencode(self.path("folder")))
         self.done()
         self.assertEqual(self.shown(), [b"file://" + os.fsencode(self.path("folder"))])
 
@@ -336,9 +341,9 @@ class FileManager(LaunchTest):
         service = os.path.join(HERE, "file_manager.py")
         self.start_bus([(SERVICE, f"{PYTHON} {service} {self.path('shown')}")])
         program = self.start()
-        self.assertEqual(program.ask("running", FILE_MANAGER), ["1"])
+        self.find(program)
         self.assertFalse(os.path.exists(self.path("shown")))
-        self.assertEqual(program.ask("show", os.fsencode(self.root)), ["0"])
+        self.show(program, os.fsencode(self.root))
         self.assertEqual(self.shown(), [b"file://" + os.fsencode(self.root)])
 
     def test_is_missing_without_name_or_bus(self):
@@ -357,37 +362,35 @@ class FileManager(LaunchTest):
         os.remove(self.path("runtime/bus"))
         self.start_bus()
         self.start_service()
-        wait_until(lambda: program.ask("running", FILE_MANAGER) == ["1"], "the new bus is found")
+        self.find(program)
         self.assertEqual(program.end(), 0)
 
     def test_is_never_waited_for(self):
         bus = self.start_bus()
         service = self.start_service("hang")
         program = self.start()
-        self.assertEqual(program.ask("running", FILE_MANAGER), ["1"])
+        self.find(program)
 
-        def took(*words):
+        def took(*words, times=1):
             start = time.monotonic()
-            answer = program.ask(*words)
+            for _ in range(times):
+                answer = program.ask(*words)
             return answer, time.monotonic() - start
 
-        folder = os.fsencode(self.root)
-        for _ in range(50):
-            answer, seconds = took("show", folder)
-            self.assertEqual(answer, ["0"])
-            self.assertLess(seconds, 0.5)
+        # Whoever waited for an answer would wait for 25 s.
+        self.assertLess(took("show", os.fsencode(self.root), times=50)[1], 10)
         service.kill()
         bus.send_signal(signal.SIGSTOP)
         answer, seconds = took("running", FILE_MANAGER)
         self.assertEqual(answer, ["0"])
-        self.assertLess(seconds, 1)
-        start = time.monotonic()
-        for _ in range(100):
-            self.assertEqual(program.ask("running", FILE_MANAGER), ["0"])
-        self.assertLess(time.monotonic() - start, 3)  # far less than a hundred times as long
+        self.assertLess(seconds, 10)
+        # Once is enough: a hundred times 150 ms would be more.
+        answer, seconds = took("running", FILE_MANAGER, times=100)
+        self.assertEqual(answer, ["0"])
+        self.assertLess(seconds, 10)
         bus.send_signal(signal.SIGCONT)
         self.start_service()
-        wait_until(lambda: program.ask("running", FILE_MANAGER) == ["1"], "the bus is back")
+        self.find(program)
         bus.send_signal(signal.SIGSTOP)
         self.assertEqual(program.end(), 0)
 

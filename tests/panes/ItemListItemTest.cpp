@@ -163,6 +163,8 @@ TEST(ItemListItem, KindsAreDescriptionsOfTypes)
 	if (!SetType(tree, "words.txt", "application/x-korva-test"))
 		GTEST_SKIP() << "no attributes on the file system of " << tree.Path();
 	EXPECT_EQ(KindAt(tree, "words.txt"), "application/x-korva-test");
+	ASSERT_TRUE(SetType(tree, "page.html", "application/x-Korva-test-b")); // without case
+	EXPECT_EQ(Compare(RowOf(tree.Ref("words.txt")), RowOf(tree.Ref("page.html")), kKindColumn), -1);
 	ASSERT_TRUE(SetType(tree, "folder", "text/html"));
 	EXPECT_EQ(KindAt(tree, "folder"), DescriptionOf("text/html"));
 	// What is no type's name counts for nothing.

@@ -2,9 +2,9 @@
 
 // What rows of the contents list look like: their cells, the selection, the target of a drag.
 
-#include "tests/panes/ItemListWindow.h"
-
 #include "app/Messages.h"
+#include "tests/clv/TestList.h"
+#include "tests/panes/ItemListWindow.h"
 
 #include <app/Message.h>
 
@@ -48,6 +48,17 @@ TEST(RowDrawing, EachCellIsFilledInAndEndsAtItsEdges)
 	EXPECT_NEAR(static_cast<float>(line), width + 1, 1.5f);
 	EXPECT_EQ(
 		Inked(picture, BRect(kind.left + 3 + width + 3, kind.top, kind.right, kind.bottom)), 0);
+	// Nor beyond its column.
+	it.Do([&] {
+		it.list->ColumnAt(kKindColumn)->SetWidth(20);
+		BFont font(*be_plain_font);
+		font.SetSize(24);
+		it.list->SetFont(&font);
+		it.list->Invalidate();
+	});
+	BRect next = it.Cell(1, kSizeColumn);
+	next.right = next.left + 1;
+	EXPECT_EQ(Inked(it.window->Snapshot(), next), 0);
 }
 
 TEST(RowDrawing, OddNamesAreReadableAndStayInTheirRows)
@@ -132,4 +143,35 @@ TEST(RowDrawing, RowsAreAsHighAsAnIconOrTheirFont)
 		it.list->RowAt(0)->Update(it.list, &font);
 	});
 	EXPECT_GT(it.list->RowAt(0)->Height(), 40);
+}
+
+TEST(RowDrawing, RowsOfATreeHaveIconAndNameBehindTheirArrow)
+{
+	TempTree tree{{"folder/x", Text()}};
+	const ColourSettings colours = {{0, 0, 0, 255}, {255, 255, 255, 255}, {0, 0, 0, 255},
+		{193, 122, 255, 255}, {0, 0, 0, 255}, {255, 255, 255, 255}};
+	FileListItem row(new entry_ref(tree.Ref("folder")));
+	row.SetColours(&colours);
+	TestList* list = new TestList(false); // which keeps the first column free all the same
+	ListenedWindow window(314, 214, list->container);
+	const float top = window.Under([&] {
+		list->NewColumn(0, 50);
+		list->NewColumn(0, 150); // from 51 on
+		list->AddItem(&row);
+		list->Select(0);
+		return list->Frame().top;
+	});
+	window.Settle();
+	const InjectedUser::Picture picture = window->Snapshot();
+	const auto strip = [&](float left, float right, uint32 colour, bool equal) {
+		return CountPixels(picture, BRect(left, top, right, top + 18), colour, equal);
+	};
+	EXPECT_EQ(strip(0, 51, kWhite, false), 0);
+	EXPECT_GT(strip(52, 67, kWhite, false), 30); // the icon
+	EXPECT_EQ(strip(68, 70, kWhite, false), 0);
+	EXPECT_GT(strip(71, 71, kSelected, true), 8); // the box behind the name
+	window.Under([&] {
+		list->MakeEmpty();
+		return 0;
+	});
 }

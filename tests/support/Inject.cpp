@@ -350,6 +350,9 @@ void
 InjectedUser::KeyUp(const std::string& bytes, uint32 modifiers)
 {
 	CallGui([&] {
+		// The press may have closed it.
+		if (!QGuiApplication::allWindows().contains(fWindow))
+			return;
 		const QtKey key = KeyFor(bytes, modifiers);
 		QWindowSystemInterface::handleKeyEvent<Deliver>(
 			fWindow, QEvent::KeyRelease, key.key, ToQt(modifiers), key.text);

@@ -1,13 +1,15 @@
 # SPDX-License-Identifier: MIT
 
-# The root bar under a real display: typing, its alerts, selections and the clipboard shared with
-# other programs, the menu of folders, and the splitter.
+# The root bar under a real display: typed roots, both alerts, the menu of folders; and the splitter.
 
 import os
-import subprocess
+import random
 import unittest
 
+from cursor_test import Server
 from desktop import X11Test, wait_until
+from interchange_test import DRAG
+from peers import Peer
 
 WHITE = (255, 255, 255)
 FIELD = (45, 9, 152, 24)  # the inside of its box
@@ -33,19 +35,9 @@ class RootBar(X11Test):
         self.type(path)
         self.display.press("Return")
 
-    def copied(self, selection):
-        """What another program would paste now."""
-        return self.display.ask("xclip", "-o", "-selection", selection)
-
-    def copy_elsewhere(self, text, selection):
-        # It stays and answers those who paste: its output must not be ours.
-        subprocess.run(["xclip", "-i", "-selection", selection], input=text.encode(), check=True,
-                       env=self.display.env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                       timeout=20)
-
     def field_text(self):
         self.display.press("ctrl+a", "ctrl+c")
-        return self.copied("clipboard")
+        return self.display.ask("xclip", "-o", "-selection", "clipboard")
 
     def wait_for_text(self, text):
         wait_until(lambda: self.field_text() == text, f"the text '{text}'")
@@ -57,36 +49,66 @@ class RootBar(X11Test):
         self.wait_for_text(self.folder + "/inside")
 
     def test_what_is_no_folder_is_refused(self):
+        alerts = []
         for wrong in (self.folder + "/nothing", self.folder + "/file"):
             self.root_to(wrong)
             self.korva.window("Error")
-            self.korva.steady_picture("Error")
+            alerts.append(self.korva.steady_picture("Error"))
             self.display.press("Return")
             wait_until(lambda: self.korva.find_window("Error") is None, "the end of the alert")
             self.focus()
             self.wait_for_text(self.folder)
+        self.assertNotEqual(*alerts)  # each says what is wrong
 
-    def test_clipboard_is_shared_with_other_programs(self):
-        self.focus()
-        self.copy_elsewhere("/some\nwhere", "clipboard")
-        self.display.press("ctrl+a", "ctrl+v")
-        self.wait_for_text("/somewhere")
-        self.display.press("End", "alt+z")
-        self.display.press("ctrl+a", "alt+x")
-        wait_until(lambda: self.copied("clipboard") not in ("", "/somewhere"), "the old text")
+    def drag_onto_the_field(self, path, done):
+        """From another program, until that is done."""
+        peer = Peer(self.display, [DRAG], "other", "600", "100", path)
+        self.addCleanup(peer.end)
+        x, y, *_ = peer.frame()
+        left, top, *_ = self.korva.frame()
 
-    def test_middle_button_pastes_what_was_selected_elsewhere(self):
+        def move(x, y):
+            self.display.do("xdotool", "mousemove", str(x), str(y))
+
+        def drag():
+            move(x + 20, y + 20)
+            self.display.do("xdotool", "mousedown", "1")
+            for step in range(4):
+                move(x + 24 + 4 * step, y + 24)
+            for step in range(10):  # whoever is dragged over must have time to see it
+                move(left + BEHIND_TEXT[0] - step, top + BEHIND_TEXT[1])
+            self.display.do("xdotool", "mouseup", "1")
+            try:
+                return wait_until(done, "the drop", 2)
+            except AssertionError:
+                return False
+        wait_until(drag, f"a drop of {path}")
+        peer.end()
+
+    def test_dropped_folder_becomes_the_root_and_a_dropped_file_does_not(self):
+        rows = self.first.part(*LEFT_ROWS)
+        self.drag_onto_the_field(
+            self.folder + "/inside", lambda: self.korva.picture().part(*LEFT_ROWS) != rows)
         self.focus()
-        self.copy_elsewhere("/elsewhere", "primary")
-        self.korva.click(*BEHIND_TEXT, button=2)
-        self.wait_for_text(self.folder + "/elsewhere")
-        # And others paste what is selected here.
-        self.display.press("End", "shift+Left", "shift+Left", "shift+Left")
-        wait_until(lambda: self.copied("primary") == "ere", "our selection elsewhere")
+        self.wait_for_text(self.folder + "/inside")
+        self.drag_onto_the_field(
+            self.folder + "/file", lambda: self.korva.find_window("Error"))
+        self.display.press("Return")
+        wait_until(lambda: self.korva.find_window("Error") is None, "the end of the alert")
+        self.focus()
+        self.wait_for_text(self.folder + "/inside")
 
     def test_menu_offers_the_folders_above(self):
-        self.korva.click(*BEHIND_TEXT, button=3)
+        server = Server(self.display.name)
+        self.addCleanup(server.close)
+        arrow = server.cursor()
+        left, top, *_ = self.korva.frame()
+        self.display.do("xdotool", "mousemove", str(left + BEHIND_TEXT[0]),
+                        str(top + BEHIND_TEXT[1]))
+        wait_until(lambda: server.cursor() != arrow, "the beam over the text")
+        self.display.do("xdotool", "click", "3")
         self.korva.window("directories")
+        wait_until(lambda: server.cursor() == arrow, "the arrow over the menu")
         self.display.press("Up", "Return")
         wait_until(lambda: self.korva.find_window("directories") is None, "the menu's end")
         self.focus()
@@ -99,18 +121,25 @@ class RootBar(X11Test):
         self.korva.wait_for_picture(
             lambda now: (180, 200, 240) in now.part(*FIELD).colours(), "a selection")
 
-    def test_splitter_jumps_to_the_release(self):
+    def test_fifty_drags_of_the_splitter_leave_the_right_edge_where_it_is(self):
+        places = random.Random(50)
         left, top, *_ = self.korva.frame()
-        for x in (300, 120, 200):
-            bar = self.bar()
+        first = bar = self.bar()
+        for i in range(50):
+            x = places.randrange(60, 440)
+            # The place counts where the pointer is seen after the release: it waits there.
             self.display.do("xdotool", "mousemove", str(left + bar), str(top + 300), "mousedown",
-                            "1", "mousemove", str(left + x), str(top + 300), "sleep", "0.1",
+                            "1", "mousemove", str(left + x), str(top + 300), "sleep", "0.06",
                             "mouseup", "1")
-            self.display.put_pointer_away()
-            wait_until(lambda: abs(self.bar() - x) <= 1, f"the splitter at {x}")
+            wait_until(lambda: abs(self.bar() - x) <= 1, f"the splitter at {x}, drag {i}")
+            bar = self.bar()
+        self.display.put_pointer_away()
         now = self.korva.steady_picture()
-        edge = (now.width - 16, 30, now.width - 1, 470)
-        self.assertEqual(now.part(*edge).colours(), self.first.part(*edge).colours())
+        edges = [now.part(now.width - 14 - off, 80, now.width - 2 - off, 400) for off in (0, 1)]
+        self.assertIn(self.first.part(now.width - 14, 80, now.width - 2, 400), edges)
+        # Both panes meet the bar.
+        self.assertEqual(now.part(bar - 16, 200, bar + 5, 400),
+                         self.first.part(first - 16, 200, first + 5, 400))
 
     def bar(self):
         """The middle of the splitter: the middle of six columns between two dark ones."""

@@ -269,7 +269,17 @@ TEST(CopyFile, WhatHappensToNamesMidwayDoesNotHarmTheData)
 	EXPECT_TRUE(CopyWhile(tree, [&] { tree.Remove("a/from"); }));
 	EXPECT_TRUE(tree.Read("b/to") == bytes);
 
+	// Whoever takes the target's name meanwhile gets nothing of it.
 	tree.Rename("b/to", "a/from");
+	SetAttr(tree, "a/from", "mark", B_STRING_TYPE, "value");
+	CopyWhile(tree, [&] {
+		tree.Rename("b/to", "a/to");
+		tree.Add("b/to", Text("another"));
+	});
+	EXPECT_TRUE(tree.Read("a/to") == bytes);
+	EXPECT_EQ(tree.Read("b/to") + Attr(tree, "b/to", "mark"), "another(none)");
+
+	tree.Remove("b/to");
 	CopyWhile(tree, [&] { tree.Rename("b", "c"); });
 	EXPECT_TRUE(tree.Read("c/to") == bytes);
 	EXPECT_TRUE(tree.Read("a/from") == bytes);

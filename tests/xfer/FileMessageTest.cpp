@@ -71,17 +71,16 @@ protected:
 		return Outcome(isBegun);
 	}
 
-	// Lets the menu open and chooses a row by its first letter; "" closes it.
-	std::string HandleByMenu(const BMessage& message, uint32 keys, const std::string& letter)
+	// Lets the menu open and presses keys there, the last of which closes it.
+	std::string HandleByMenu(const BMessage& message, uint32 keys, const std::string& pressed)
 	{
 		fWindow.User().Move(20, 20, keys);
 		fWindow.Settle();
 		auto begun = std::async(std::launch::async, [&] { return Handle(message); });
 		{
 			InjectedUser menu("File");
-			menu.Key(letter.empty() ? std::string(1, B_ESCAPE) : letter);
-			if (!letter.empty())
-				menu.KeyDown(std::string(1, B_ENTER));
+			for (char key : pressed)
+				menu.KeyDown(std::string(1, key));
 		}
 		if (begun.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
 			ADD_FAILURE() << "the menu stays open";
@@ -129,45 +128,49 @@ Texts(const BMessage& message)
 
 } // namespace
 
-TEST_F(FileMessage, KeysChooseWhatAPlainDragDoes)
+// Control or the secondary button ask; else the first of Option, Shift and Command decides.
+TEST_F(FileMessage, ButtonsAndKeysChooseWhatADropDoes)
 {
-	const BMessage drop(kMSG_DragFile);
-	EXPECT_EQ(HandleWithKeys(drop, 0), "moved");
-	EXPECT_EQ(HandleWithKeys(drop, B_OPTION_KEY), "copied");
-	EXPECT_EQ(HandleWithKeys(drop, B_SHIFT_KEY), "linked");
-	EXPECT_EQ(HandleWithKeys(drop, B_COMMAND_KEY), "moved");
-	EXPECT_EQ(HandleWithKeys(drop, B_OPTION_KEY | B_SHIFT_KEY | B_COMMAND_KEY), "copied");
-	EXPECT_EQ(HandleWithKeys(drop, B_SHIFT_KEY | B_COMMAND_KEY), "linked");
-	BMessage primary(kMSG_DragFile);
-	primary.AddInt32(kName_DragButtons, B_PRIMARY_MOUSE_BUTTON);
-	EXPECT_EQ(HandleWithKeys(primary, 0), "moved");
+	const std::string closes = {B_ESCAPE};
+	for (int32 buttons = -1; buttons <= (B_PRIMARY_MOUSE_BUTTON | B_SECONDARY_MOUSE_BUTTON);
+		 buttons++) {
+		BMessage drop(kMSG_DragFile);
+		if (buttons >= 0)
+			drop.AddInt32(kName_DragButtons, buttons);
+		for (int32 held = 0; held < 16; held++) {
+			const uint32 keys = ((held & 1) != 0 ? B_CONTROL_KEY : 0) |
+				((held & 2) != 0 ? B_OPTION_KEY : 0) | ((held & 4) != 0 ? B_SHIFT_KEY : 0) |
+				((held & 8) != 0 ? B_COMMAND_KEY : 0);
+			SCOPED_TRACE(std::to_string(buttons) + " " + std::to_string(keys));
+			if ((keys & B_CONTROL_KEY) != 0 ||
+				(buttons >= 0 && (buttons & B_SECONDARY_MOUSE_BUTTON) != 0))
+				EXPECT_EQ(HandleByMenu(drop, keys, closes), "nothing");
+			else
+				EXPECT_EQ(HandleWithKeys(drop, keys),
+					(keys & B_OPTION_KEY) != 0      ? "copied"
+						: (keys & B_SHIFT_KEY) != 0 ? "linked"
+													: "moved");
+		}
+	}
 }
 
-TEST_F(FileMessage, ControlAndTheSecondaryButtonAsk)
+TEST_F(FileMessage, TheMenusRowsDoWhatTheySay)
 {
 	BMessage secondary(kMSG_DragFile);
-	secondary.AddInt32(kName_DragButtons, B_SECONDARY_MOUSE_BUTTON | B_PRIMARY_MOUSE_BUTTON);
-	EXPECT_EQ(HandleByMenu(secondary, B_SHIFT_KEY, "m"), "moved");
-	EXPECT_EQ(HandleByMenu(secondary, 0, ""), "nothing");
-	const BMessage drop(kMSG_DragFile);
-	EXPECT_EQ(HandleByMenu(drop, B_CONTROL_KEY, "m"), "moved");
-	EXPECT_EQ(HandleByMenu(drop, B_CONTROL_KEY | B_OPTION_KEY, ""), "nothing");
-	// "Create Link Here", "Copy Here" and "Cancel" begin alike: by their places.
-	const char* expected[] = {"linked", "moved", "copied", "nothing"};
-	for (int row = 0; row < 4; row++) {
-		fWindow.User().Move(20, 20, B_CONTROL_KEY);
-		fWindow.Settle();
-		auto begun = std::async(std::launch::async, [&] { return Handle(drop); });
-		{
-			InjectedUser menu("File");
-			for (int i = 0; i <= row; i++)
-				menu.Key(std::string(1, B_DOWN_ARROW));
-			menu.KeyDown(std::string(1, B_ENTER));
-		}
-		EXPECT_EQ(Outcome(begun.get()), expected[row]);
+	secondary.AddInt32(kName_DragButtons, B_SECONDARY_MOUSE_BUTTON);
+	EXPECT_EQ(HandleByMenu(secondary, B_SHIFT_KEY, {'m', B_ENTER}), "moved");
+	std::string chooses = {B_ENTER};
+	for (const char* outcome : {"linked", "moved", "copied", "nothing"}) {
+		chooses.insert(chooses.begin(), B_DOWN_ARROW);
+		EXPECT_EQ(HandleByMenu(secondary, 0, chooses), outcome);
 	}
-	// What the mouse holds does not count when the message says what was held.
+}
+
+TEST_F(FileMessage, ButtonsAreThoseOfTheMessageElseThoseHeld)
+{
 	fWindow.User().Press(20, 20, B_SECONDARY_MOUSE_BUTTON);
+	fWindow.Settle();
+	EXPECT_EQ(HandleByMenu(BMessage(kMSG_DragFile), 0, {B_ESCAPE}), "nothing");
 	BMessage primary(kMSG_DragFile);
 	primary.AddInt32(kName_DragButtons, B_PRIMARY_MOUSE_BUTTON);
 	fWindow.Settle();
@@ -183,32 +186,48 @@ TEST_F(FileMessage, TheClipboardDecidesWhatAPasteDoes)
 		EXPECT_EQ(HandleWithKeys(paste, B_SHIFT_KEY), "copied");
 	// Its contents, handed on without the command, mean the same whatever keys are held.
 	EXPECT_EQ(HandleWithKeys(Clipboard(), B_COMMAND_KEY), "copied");
+	ForgetCut(Clipboard());
+	EXPECT_TRUE(Clipboard().HasRef(kName_Refs));
 
 	EXPECT_TRUE(CutCopy(B_CUT, &fSource));
-	BMessage cut = Clipboard();
 	EXPECT_EQ(HandleWithKeys(paste, 0), "moved");
 	EXPECT_EQ(HandleWithKeys(paste, 0), "nothing"); // what is cut is pasted once
 	EXPECT_FALSE(Clipboard().HasRef(kName_Refs));
-
-	// Of several files cut elsewhere each is pasted once.
-	tree.Add("b", Text());
-	entry_ref other = tree.Ref("b");
-	tree.Remove("b");
-	cut.AddRef(kName_Refs, &other);
-	cut.AddData("text/plain", B_MIME_TYPE, "b", 2);
-	SetClipboard(cut);
-	EXPECT_EQ(HandleWithKeys(paste, 0), "moved");
-	entry_ref left;
-	EXPECT_EQ(Clipboard().FindRef(kName_Refs, &left), B_OK);
-	EXPECT_EQ(left, other);
-	EXPECT_FALSE(Clipboard().HasRef(kName_Refs, 1));
-	EXPECT_EQ(Texts(Clipboard()), std::vector<std::string>({std::string("b\0", 2)}));
 
 	BMessage neither(kMSG_DragFile);
 	neither.AddRef(kName_Refs, &fSource);
 	SetClipboard(neither);
 	EXPECT_EQ(HandleWithKeys(paste, 0), "nothing");
 	EXPECT_EQ(HandleWithKeys(BMessage(kMSG_CreateLink), B_OPTION_KEY), "linked");
+}
+
+TEST_F(FileMessage, EachFileOfACutIsPastedOnce)
+{
+	tree.Add("b", Text());
+	entry_ref other = tree.Ref("b");
+	tree.Remove("b");
+	EXPECT_TRUE(CutCopy(B_CUT, &fSource));
+	BMessage cut = Clipboard();
+	cut.AddRef(kName_Refs, &other);
+	cut.AddData("text/plain", B_MIME_TYPE, "b", 2);
+	SetClipboard(cut);
+	EXPECT_EQ(HandleWithKeys(BMessage(B_PASTE), 0), "moved");
+	entry_ref left;
+	EXPECT_EQ(Clipboard().FindRef(kName_Refs, &left), B_OK);
+	EXPECT_EQ(left, other);
+	EXPECT_FALSE(Clipboard().HasRef(kName_Refs, 1));
+	EXPECT_EQ(Texts(Clipboard()), std::vector<std::string>({std::string("b\0", 2)}));
+
+	// Who goes through all of them himself says when he is done.
+	SetClipboard(cut);
+	EXPECT_EQ(HandleWithKeys(cut, B_OPTION_KEY), "moved");
+	EXPECT_TRUE(Clipboard().HasRef(kName_Refs, 1));
+	ForgetCut(cut);
+	EXPECT_TRUE(Clipboard().IsEmpty());
+	// Not what somebody else has cut meanwhile.
+	EXPECT_TRUE(CutCopy(B_CUT, &other));
+	ForgetCut(cut);
+	EXPECT_TRUE(Clipboard().HasBool("Cut"));
 }
 
 TEST_F(FileMessage, WhatCannotBeOpenedIsLeftAlone)

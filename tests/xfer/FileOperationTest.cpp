@@ -288,6 +288,32 @@ TEST(DeleteFile, RemovesOrThrowsAwayUnderAFreeName)
 	EXPECT_EQ(tree.List("data/Trash/info").size(), 3u);
 }
 
+TEST(DeleteFile, WithoutATrashEverythingStays)
+{
+	TempTree tree{{"a", Text("one")}, {"closed", Dir()}};
+	entry_ref file = tree.Ref("a");
+	tree.SetMode(".", 0777);
+	tree.SetMode("closed", 0555);
+	Variable data("XDG_DATA_HOME", tree.Path("closed").c_str());
+	AsNobody nobody;
+	EXPECT_FALSE(DeleteFile(&file, true));
+	EXPECT_EQ(tree.Read("a"), "one");
+}
+
+TEST(DeleteFile, TheTrashTakesNothingOfAnotherVolume)
+{
+	if (!InMountNamespace())
+		return;
+	TempTree tree{{"data", Dir()}, {"volume", Dir()}};
+	Variable data("XDG_DATA_HOME", tree.Path("data").c_str());
+	MemoryVolume volume(tree.Path("volume"));
+	tree.Add("volume/b", Text("two"));
+	entry_ref other = tree.Ref("volume/b");
+	EXPECT_FALSE(DeleteFile(&other, true));
+	EXPECT_EQ(tree.Read("volume/b"), "two");
+	EXPECT_EQ(tree.List("data/Trash/info"), Names({}));
+}
+
 TEST(SpecialFolder, IsKnownByItsWholePath)
 {
 	TempTree tree{{"home/.local/lib", Dir()}, {"home/.config/autostart", Dir()},

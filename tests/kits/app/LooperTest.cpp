@@ -292,9 +292,10 @@ TEST(Looper, APolledLockDoesNotStarveTheLooper)
 	looper->Run();
 	for (int32 i = 0; i < 100; i++)
 		PostNumber(looper, i);
-	// Unlocking and locking again at once lets the looper in between each time.
+	// Unlocking and locking again at once lets a looper that waits in between each time; one on a
+	// busy machine may not come to wait for a while.
 	int rounds = 0;
-	while (looper->Count() < 100 && rounds < 100000) {
+	while (looper->Count() < 100 && rounds < 3000000) {
 		ASSERT_TRUE(looper->Lock());
 		looper->Unlock();
 		rounds++;

@@ -133,6 +133,9 @@ TEST(Canvas, DrawsLinesWithBothEndsTheSameFromEitherSide)
 		EXPECT_EQ(Letters(back), Letters(canvas));
 		EXPECT_EQ(Letters(canvas), line.picture);
 	}
+	Canvas coarse(6, 4, 0.5);
+	coarse.StrokeLine(0, 0, 1, 1, Ink());
+	EXPECT_EQ(Letters(coarse), "\n#..\n...");
 }
 
 TEST(Canvas, InvertsEveryPixelOfAnOutlineOrLineOnce)

@@ -117,7 +117,6 @@ TEST(Alert, OtherWindowsTakeNoInputWhileItIsOpen)
 	std::future<int32> answer = Ask("modal");
 	InjectedUser user("modal");
 	window.User().Click(20, 20);
-	window.User().Close();
 	window.Settle();
 	EXPECT_TRUE(window->Take('push').empty());
 	Answer(user, B_ENTER);
@@ -125,6 +124,44 @@ TEST(Alert, OtherWindowsTakeNoInputWhileItIsOpen)
 	window.User().Click(20, 20);
 	window.Settle();
 	EXPECT_EQ(window->Take('push').size(), 1u);
+}
+
+TEST(Alert, OnlyALoopersAlertKeepsAWindowOpen)
+{
+	class Asker : public BLooper {
+	public:
+		void MessageReceived(BMessage*) override { YesNo("looper's")->Go(); }
+	};
+	auto* asker = new Asker;
+	asker->Run();
+	class Closing : public TestWindow {
+	public:
+		Closing() : TestWindow(200, 200) {}
+		bool QuitRequested() override
+		{
+			asked++;
+			return false;
+		}
+		std::atomic<int> asked = 0;
+	};
+	Shown<Closing> window;
+	window->ShowAndSettle();
+	std::future<int32> answer = Ask("worker's");
+	InjectedUser worker("worker's");
+	window.Get()->User().Close();
+	window->Settle();
+	EXPECT_EQ(window->asked, 1);
+	asker->PostMessage('ask ');
+	InjectedUser looper("looper's");
+	window.Get()->User().Close();
+	window->Settle();
+	EXPECT_EQ(window->asked, 1);
+	Answer(looper, B_ENTER);
+	EXPECT_TRUE(WaitUntil([&] { return !BPrivate::CloseBlockedBy(window.Get()); }));
+	Answer(worker, B_ENTER);
+	EXPECT_EQ(AnswerOf(answer), 1);
+	asker->Lock();
+	asker->Quit();
 }
 
 TEST(Alert, AlertsOfWorkerThreadsComeOneAfterTheOther)

@@ -157,6 +157,7 @@ protected:
 		user.AllowDrags();
 		user.Move(10, 10);
 		user.Press(10, 10, button);
+		first->Settle(); // the drag is asked for before the pointer moves on
 		ASSERT_TRUE(WaitUntil([&] {
 			user.Move(12, 10);
 			first->Settle();

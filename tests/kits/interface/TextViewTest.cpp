@@ -298,6 +298,26 @@ TEST_F(TextViewTest, ComposedTextIsShownButNoPartOfTheText)
 	EXPECT_FALSE(user.Compose("no"));
 }
 
+TEST_F(TextViewTest, WhatIsComposedTakesTheSelectionsPlace)
+{
+	Set("abcd", 1, 3);
+	user.ShowComposing("x", 1);
+	window.Settle();
+	EXPECT_EQ(State(), "a|d");
+	user.ShowComposing("", 0);
+	user.Compose("xy");
+	window.Settle();
+	EXPECT_EQ(State(), "axy|d");
+	Keys("zz", B_CONTROL_KEY);
+	EXPECT_EQ(State(), "a[bc]d");
+	// A text that is set ends it.
+	user.ShowComposing("xxxx", 4);
+	window.Settle();
+	Set("abcd");
+	EXPECT_EQ(window.Under([&] { return view->PointAt(4).x; }),
+		window.Under([&] { return 2 + be_plain_font->StringWidth("abcd"); }));
+}
+
 TEST_F(TextViewTest, ComposedTextIsUnderlined)
 {
 	const auto darkBelow = [&] {

@@ -111,6 +111,26 @@ TEST(FinishThreads, WaitsForDestructorsAndForThreadsThatAreStartedMeanwhile)
 	EXPECT_TRUE(child.IsGone() && !child.WasUnwound());
 }
 
+// As toolkits keep it for each thread, in a key made long after the kits' own.
+TEST(FinishThreads, WhatLibrariesKeepOfAThreadIsGoneBeforeTheEnd)
+{
+	static std::atomic<int> sDestroyed;
+	static pthread_key_t sKey;
+	sDestroyed = 0;
+	ASSERT_EQ(0, pthread_key_create(&sKey, [](void* again) {
+		usleep(5000);
+		// What it does itself may make the library set it once more.
+		if (sDestroyed++ == 0)
+			pthread_setspecific(sKey, again);
+	}));
+	int data = 0;
+	Worker worker([&] { pthread_setspecific(sKey, &data); });
+	worker.Start();
+	FinishThreads();
+	EXPECT_EQ(2, sDestroyed);
+	pthread_key_delete(sKey);
+}
+
 TEST(FinishThreads, OneThatRestsWithALockDoesNotHoldUpTheEnd)
 {
 	FairLock lock;
