@@ -76,11 +76,13 @@ IconFolders()
 }
 
 // A package of its own (qt6-svg-plugins or the like). Not asked before there is a drawing, since
-// that loads all decoders.
+// that loads all decoders. Qt searches them in folders that it changes while the desktop starts,
+// and guards against nobody who looks meanwhile.
 bool
 CanReadDrawings()
 {
-	static const bool sCan = QImageReader::supportedImageFormats().contains("svg");
+	static const bool sCan =
+		WaitForDesktop() && QImageReader::supportedImageFormats().contains("svg");
 	return sCan;
 }
 
@@ -88,12 +90,11 @@ CanReadDrawings()
 QImage
 LoadPicture(const std::string& path, int32 size)
 {
+	if (!WaitForDesktop()) // for the decoders, and for the font with which a drawing begins
+		return {};
 	QImageReader reader(QString::fromLocal8Bit(path.c_str()));
-	if (path.ends_with(kDrawingSuffix)) {
-		if (!WaitForDesktop()) // painting one begins with the application's font
-			return {};
+	if (path.ends_with(kDrawingSuffix))
 		reader.setScaledSize(QSize(size, size));
-	}
 	const QImage image = reader.read();
 	if (image.isNull() || image.size() == QSize(size, size))
 		return image;
