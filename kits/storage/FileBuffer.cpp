@@ -16,7 +16,7 @@ namespace {
 
 // Larger ones fit no better into the processor's caches and are not faster.
 constexpr size_t kBlockSize = 256 * 1024;
-// To a page: where its copies begin as pages do the kernel takes half the time for them.
+// To a page: the kernel copies from and to what begins as its pages do in fewer steps.
 constexpr size_t kAlignment = 4096;
 constexpr size_t kFirstAhead = 4096;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include <desktop/BuiltinIcons.h>
+#include <desktop/GuiThread.h>
 #include <desktop/IconTheme.h>
 #include <desktop/Types.h>
 
@@ -23,6 +24,7 @@ constexpr int kBuiltinIcons = int(BuiltinIcon::kUnknown) + 1;
 TempItem
 Png(int width, int height, const QColor& color)
 {
+	WaitForDesktop(); // Qt finds no encoder safely while it starts
 	QImage image(width, height, QImage::Format_ARGB32);
 	image.fill(color);
 	QBuffer buffer;
