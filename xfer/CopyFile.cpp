@@ -85,6 +85,15 @@ OpenSource(const entry_ref* source, const node_ref& target, BFile* file)
 	return status == B_OK && node == target ? B_NOT_ALLOWED : status;
 }
 
+// A new file is left alone: there are file systems that wait for the disk when a file that was cut
+// to nothing is closed.
+bool
+Empty(BFile* target)
+{
+	off_t size;
+	return target->GetSize(&size) == B_OK && (size == 0 || target->SetSize(0) == B_OK);
+}
+
 bool
 CopyData(BFile* source, BFile* target)
 {
@@ -157,7 +166,7 @@ CopyFile(const entry_ref* source, const BPath* target)
 		ReportError("Error opening %s - %s\n", source->name, status);
 		return false;
 	}
-	bool isCopied = targetFile.SetSize(0) == B_OK && CopyData(&sourceFile, &targetFile);
+	bool isCopied = Empty(&targetFile) && CopyData(&sourceFile, &targetFile);
 	sourceFile.Unset();
 	targetFile.Unset();
 	Debug.StdOut(kDebugLevel, "\n");
