@@ -91,14 +91,14 @@ class Browser(X11Test):
     def wait_for_names(self, *names, state=None, korva=None):
         expected = sorted(names, key=str.lower)
         try:
-            wait_until(lambda: self.items(state, korva) == expected, f"{expected} on the right", 8)
+            wait_until(lambda: self.items(state, korva) == expected, f"{expected} on the right")
         except AssertionError as error:
             (korva or self.korva).picture().save_failure()
             raise AssertionError(f"{error}; there: {self.items(state, korva)}") from None
 
     def wait_for_tree(self, *names, state=None):
         try:
-            wait_until(lambda: self.tree(state) == list(names), f"{names} on the left", 8)
+            wait_until(lambda: self.tree(state) == list(names), f"{names} on the left")
         except AssertionError as error:
             raise AssertionError(f"{error}; there: {self.tree(state)}") from None
 
@@ -169,7 +169,7 @@ class Browser(X11Test):
             steps[0] += 1
             move(target, end[0] + steps[0] % 3, end[1])
             return is_lit() if lights else steps[0] > 20
-        wait_until(is_seen, "a sign from what is dragged over", 5)
+        wait_until(is_seen, "a sign from what is dragged over")
         for key in keys:
             self.display.do("xdotool", "keydown", key)
         move(target, *end)
@@ -189,6 +189,12 @@ class Browser(X11Test):
         self.wait_for_names("gg")
         self.wait_for_tree("root", " alpha", "  deep", " beta")
         self.wait_for_tree("  deep", state="selected")
+        self.korva.click(*ROOT)
+        self.display.press("ctrl+a")
+        self.display.do("xdotool", "type", "--delay", "5", self.path("alpha"))
+        self.display.press("Return")
+        self.wait_for_tree("alpha", " deep")
+        self.wait_for_names("deep")
 
     def test_changes_on_the_disk_are_seen(self):
         os.mkdir(self.path("gamma"))
@@ -336,8 +342,8 @@ class Browser(X11Test):
         def menu(item):
             return lambda: self.choose("File", DROP_MENU, item)
         for name, button, keys, then in (
-                ("b", 1, ["Super_L"], None), ("b", 3, [], menu("Copy")),
-                ("c", 1, ["Control_L"], menu("Link")), ("dd", 3, [], menu("Cancel")),
+                ("b", 1, ["Super_L"], None), ("dd", 3, [], menu("Cancel")),
+                ("b", 3, [], menu("Copy")), ("c", 1, ["Control_L"], menu("Link")),
                 ("dd", 3, [], menu("Move"))):
             with self.subTest(name=name, button=button, keys=keys):
                 self.drag(self.place(name), self.place("beta"), button=button, keys=keys, then=then)
