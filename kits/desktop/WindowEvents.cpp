@@ -139,6 +139,7 @@ PeerWindow::TellLostReleases(const QMouseEvent& event)
 void
 PeerWindow::ReleaseButtons()
 {
+	fClicks = {}; // the next press follows one elsewhere
 	const uint32 held = std::exchange(fHeldButtons, 0);
 	if (held == 0)
 		return;

@@ -245,10 +245,15 @@ BView::_CollectNavigable(std::vector<BView*>& views)
 	if (fHidden > 0)
 		return;
 	const BControl* control = dynamic_cast<const BControl*>(this);
+	const size_t index = views.size();
 	if ((fFlags & B_NAVIGABLE) != 0 && (control == nullptr || control->IsEnabled()))
 		views.push_back(this);
+	const size_t own = views.size();
 	for (BView* child : fChildren)
 		child->_CollectNavigable(views);
+	// A pane that only holds others would be a stop where nothing happens.
+	if (own > index && views.size() > own && control == nullptr)
+		views.erase(views.begin() + static_cast<ptrdiff_t>(index));
 }
 
 void
