@@ -81,6 +81,15 @@ FileListView::RefsAdded(BMessage* message)
 		if (!message->WasDropped() || !FindDropFolder(*message, &transfer.folder))
 			return;
 		transfer.message = *message;
+		// So do the buttons, which a drag from elsewhere has not, and which are known only now.
+		int32 buttonsBefore;
+		if (transfer.message.FindInt32(kName_DragButtons, &buttonsBefore) != B_OK) {
+			BPoint where;
+			uint32 buttons = 0;
+			GetMouse(&where, &buttons);
+			transfer.message.RemoveName(kName_DragButtons);
+			transfer.message.AddInt32(kName_DragButtons, static_cast<int32>(buttons));
+		}
 		transfer.message.RemoveName("modifiers");
 		transfer.message.AddInt32("modifiers", static_cast<int32>(modifiers()));
 	}

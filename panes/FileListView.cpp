@@ -101,6 +101,14 @@ FileListView::RowAt(BPoint where) const
 	return RowAt(BListView::IndexOf(where));
 }
 
+// Unset where no row is.
+entry_ref
+FileListView::RefAt(BPoint where) const
+{
+	const FileListItem* row = RowAt(where);
+	return row != nullptr ? *row->GetRef() : entry_ref();
+}
+
 void
 FileListView::RefreshFolder(const entry_ref* ref)
 {
@@ -129,6 +137,14 @@ FileListView::MessageReceived(BMessage* message)
 		case MW_MOUSE_POPUP:
 			if (message->FindPoint("where", &where) != B_OK)
 				break;
+			// What came to the place of a pressed row meanwhile was not meant. A rubber band means
+			// places, not rows.
+			if (fWatchedPress &&
+				!(message->what == MW_MOUSE_DRAG && IsPrimary(Buttons(*message))) &&
+				RefAt(*fWatchedPress) != fWatchedRow) {
+				fWatchedPress.reset();
+				break;
+			}
 			// The watcher's first look may come late, when the pointer is over another row.
 			where = fWatchedPress.value_or(where);
 			fWatchedPress.reset();
@@ -190,8 +206,10 @@ FileListView::MouseDown(BPoint where)
 void
 FileListView::WatchPress(BPoint where, int32 buttons, mouse_watch_length length)
 {
-	if (StartMouseDragOrPopupWatcher(this, buttons, length) >= 0)
+	if (StartMouseDragOrPopupWatcher(this, buttons, length) >= 0) {
 		fWatchedPress = where;
+		fWatchedRow = RefAt(where);
+	}
 }
 
 // The watcher tells the buttons that are held at the end; the press had those in "data".

@@ -69,6 +69,7 @@ protected:
 private:
 	FileListItem* RowAt(int32 index) const; // among the visible ones, or null
 	FileListItem* RowAt(BPoint where) const;
+	entry_ref RefAt(BPoint where) const;
 
 	// The mouse
 	void WatchPress(BPoint where, int32 buttons, mouse_watch_length length);
@@ -117,7 +118,8 @@ private:
 	FileListItem* fEditedRow = nullptr; // while there is an editor
 	// Rows may be replaced at any time, so these are kept by what they show.
 	int32 fPressedIndex = -1;
-	entry_ref fPressed; // where a drag begins
+	entry_ref fPressed;    // where a drag begins
+	entry_ref fWatchedRow; // at fWatchedPress
 	bool fIsDragOver = false;
 	BPoint fDragPoint;       // where a drag was moved to
 	entry_ref fDropFolder;   // that was there; unset for none

@@ -75,7 +75,7 @@ ItemView::HandleNodeMonitor(BMessage* message)
 		return;
 	entry_ref ref;
 	int64 inode = -1;
-	const bool knowsInode = message->FindInt64("node", &inode) == B_OK && inode > 0;
+	const bool knowsInode = message->FindInt64("node", &inode) == B_OK && inode != 0;
 	switch (opcode) {
 		case B_ENTRY_CREATED:
 			if (FindEntry(*message, "directory", "name", &ref))

@@ -44,14 +44,21 @@ IsTaken(const entry_ref& original, const BPath& folder, const std::string& name)
 		(path.InitCheck() == B_OK && IsTransferTarget(path.Path()));
 }
 
-// The name of a copy of or link to an entry in the entry's own folder.
+// The name of a copy of or link to an entry in the entry's own folder. A copy's is taken by an
+// empty file at once: what came to it before the copy begins would be overwritten.
 std::string
-FreeName(ETransferType type, const entry_ref& original, const BPath& folder)
+FreeName(ETransferType type, const entry_ref& original, BDirectory* folder)
 {
+	const BPath path(folder);
+	const bool takes = type == eCopy && BEntry(&original).Exists();
+	const auto isLost = [&](const std::string& name) {
+		return IsTaken(original, path, name) ||
+			(takes && folder->CreateFile(name.c_str(), nullptr, true) == B_FILE_EXISTS);
+	};
 	const std::string verb = type == eCopy ? "Copy" : "Link";
 	const std::string rest = (type == eCopy ? " of " : " to ") + std::string(original.name);
 	std::string name = verb + rest;
-	for (int32 count = 2; IsTaken(original, folder, name); count++)
+	for (int32 count = 2; isLost(name); count++)
 		name = verb + " " + std::to_string(count) + rest;
 	return name;
 }
@@ -92,7 +99,7 @@ FileOperation(ETransferType type, BEntry* entry, BDirectory* folder, const BHand
 		if (type == eMove)
 			return false;
 		if (type == eCopy || type == eLink)
-			name = FreeName(type, ref, BPath(folder));
+			name = FreeName(type, ref, folder);
 	}
 	Debug.StdOut(kDebugLevel, "FileTransferType : %s\n",
 		type == eMove       ? "move"

@@ -14,7 +14,7 @@ namespace BPrivate {
 namespace {
 
 // Other programs write the record an instant before the entry comes.
-constexpr time_t kForsakenAfter = 2; // seconds
+constexpr time_t kForsakenAfter = 30; // seconds
 constexpr size_t kMostBytes = 1 << 20;
 
 std::string
@@ -44,13 +44,13 @@ TrashRecords::Write(const EntryPlace& entry, const std::string& text, bool clobb
 	status_t status = Create(file.c_str(), text);
 	if (status != B_FILE_EXISTS)
 		return status;
-	if (clobber) {
-		std::string before;
-		if (Read(entry.name, &before) == B_OK)
-			*undo = std::move(before);
-	} else if (!IsForsaken(entry, file.c_str())) {
+	if (!clobber && !IsForsaken(entry, file.c_str()))
 		return B_FILE_EXISTS;
-	}
+	// What could not be put back is not replaced.
+	std::string before;
+	if (status_t error = Read(entry.name, &before); error != B_OK)
+		return clobber ? error : B_FILE_EXISTS;
+	*undo = std::move(before);
 	return Replace(file.c_str(), text);
 }
 
