@@ -52,10 +52,8 @@ FileListView::FindDropFolder(const BMessage& message, entry_ref* folder)
 	const FileListItem* row = RowAt(ConvertFromScreen(message.DropPoint()));
 	if (row != nullptr && !row->IsFolder())
 		row = nullptr;
-	if (fIsDragOver && fRowsMoved && (row != nullptr ? *row->GetRef() : entry_ref()) != fDropFolder)
-		return false;
 	const entry_ref* ref = row != nullptr ? row->GetRef() : fParentRef;
-	if (ref == nullptr)
+	if (ref == nullptr || (fIsDragOver && fRowsMoved && *ref != fDropFolder))
 		return false;
 	*folder = *ref;
 	return true;
@@ -75,6 +73,8 @@ FileListView::RefsAdded(BMessage* message)
 			transfer.message = *be_clipboard->Data();
 			transfer.isPaste = true;
 			be_clipboard->Unlock();
+			if (!transfer.message.HasBool("Cut") && !transfer.message.HasBool("Copy"))
+				return; // nothing that was meant to be pasted
 		}
 		transfer.folder = *fParentRef;
 	} else {

@@ -285,7 +285,8 @@ FileListView::MouseMoved(BPoint where, uint32 transit, const BMessage* drag)
 	const bool over = drag != nullptr && transit != B_EXITED_VIEW;
 	if (!over || !fIsDragOver || where != fDragPoint) {
 		const FileListItem* row = over ? RowAt(where) : nullptr;
-		fDropFolder = row != nullptr && row->IsFolder() ? *row->GetRef() : entry_ref();
+		const entry_ref* folder = row != nullptr && row->IsFolder() ? row->GetRef() : fParentRef;
+		fDropFolder = over && folder != nullptr ? *folder : entry_ref();
 		fRowsMoved = false;
 	}
 	fIsDragOver = over;
