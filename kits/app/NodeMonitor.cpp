@@ -70,7 +70,10 @@ public:
 		return fToken == target.fToken && (fToken != 0 || fCore == target.fCore);
 	}
 
-	bool IsCallingThread() const override { return fCore->thread == find_thread(nullptr); }
+	bool IsCallingThread() const override
+	{
+		return fCore->thread == find_thread(nullptr) || fCore->Lock().IsLockedByCaller();
+	}
 
 	bool Send(const Notice& notice, std::shared_ptr<void> receipt) override
 	{

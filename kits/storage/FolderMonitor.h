@@ -26,7 +26,7 @@ public:
 	virtual ~NoticeTarget() = default;
 
 	virtual bool Equals(const NoticeTarget& other) const = 0;
-	// Whether the calling thread is the one that handles the notices.
+	// Whether the calling thread is the one that handles the notices, or keeps it from that.
 	virtual bool IsCallingThread() const = 0;
 	// False when the target is gone. The receipt goes when the notice was handled or dropped.
 	virtual bool Send(const Notice& notice, std::shared_ptr<void> receipt) = 0;

@@ -72,12 +72,13 @@ RunChanges(unsigned seed, const std::string& folder, const std::string& outside,
 std::string
 Difference(ItemListWindow& it, const entry_ref& folder)
 {
+	// Without the window: what is listed with its lock the pane is taken to know.
+	BDirectory directory(&folder);
+	std::vector<entry_ref> refs(static_cast<size_t>(directory.CountEntries()));
+	directory.Rewind();
+	for (entry_ref& ref : refs)
+		directory.GetNextRef(&ref);
 	return it.window.Under([&]() -> std::string {
-		BDirectory directory(&folder);
-		std::vector<entry_ref> refs(static_cast<size_t>(directory.CountEntries()));
-		directory.Rewind();
-		for (entry_ref& ref : refs)
-			directory.GetNextRef(&ref);
 		if (it.list->CountItems() != static_cast<int32>(refs.size()))
 			return std::to_string(it.list->CountItems()) + " rows of " +
 				std::to_string(refs.size());
