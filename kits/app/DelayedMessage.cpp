@@ -6,6 +6,7 @@
 #include <condition_variable>
 #include <map>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 namespace {
@@ -36,8 +37,7 @@ public:
 		int64 ticket = ++fLastTicket;
 		fWaiting.emplace(Key{when, ticket}, Entry{target, message});
 		fTimes.emplace(ticket, when);
-		if (!fThread.joinable())
-			fThread = std::thread([this] { Run(); });
+		Start();
 		fChanged.notify_one();
 		return ticket;
 	}
@@ -59,6 +59,17 @@ private:
 		BMessenger target;
 		BMessage message;
 	};
+
+	// When the system has no thread left the messages wait for the next one.
+	void Start()
+	{
+		if (fThread.joinable())
+			return;
+		try {
+			fThread = std::thread([this] { Run(); });
+		} catch (const std::system_error&) {
+		}
+	}
 
 	void Run()
 	{

@@ -14,6 +14,7 @@
 #include <functional>
 #include <future>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -39,15 +40,30 @@ public:
 
 	void Post(Job job)
 	{
+		if (!Start()) {
+			job(nullptr);
+			return;
+		}
 		std::lock_guard lock(fLock);
 		fJobs.push_back(std::move(job));
 		fChanged.notify_one();
 	}
 
 private:
-	BusThread()
+	BusThread() = default;
+
+	// False when the system has no thread left; the next job tries again.
+	bool Start()
 	{
-		std::thread([this] { Run(); }).detach();
+		std::lock_guard lock(fLock);
+		if (fRuns)
+			return true;
+		try {
+			std::thread([this] { Run(); }).detach();
+		} catch (const std::system_error&) {
+			return false;
+		}
+		return fRuns = true;
 	}
 
 	void Run()
@@ -79,6 +95,7 @@ private:
 	std::mutex fLock;
 	std::condition_variable fChanged;
 	std::deque<Job> fJobs;
+	bool fRuns = false;
 	GObjectPtr<GDBusConnection> fConnection; // of the thread
 };
 
