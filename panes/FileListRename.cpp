@@ -37,8 +37,11 @@ FileListView::EditorFrame() const
 void
 FileListView::StartRename(FileListItem* row)
 {
-	if (fEditor != nullptr)
+	if (fEditor != nullptr) {
 		fEditor->Invoke();
+		fNextRow = row; // once what was typed so far has become a name
+		return;
+	}
 	fEditedRow = row;
 	const BRect frame = EditorFrame();
 	font_height height;
@@ -71,42 +74,48 @@ void
 FileListView::EditorDone(const BMessage& message)
 {
 	void* pointer;
-	if (message.FindPointer("view", &pointer) != B_OK)
-		return;
-	BView* editor = nullptr;
-	for (int32 i = 0; i < CountChildren(); i++) {
-		if (static_cast<BView*>(static_cast<InvocableTextView*>(pointer)) == ChildAt(i))
-			editor = ChildAt(i);
-	}
-	if (editor == nullptr)
+	if (fEditor == nullptr || message.FindPointer("view", &pointer) != B_OK || pointer != fEditor)
 		return;
 	if (message.what == kMSG_TextEditInvoke) {
 		entry_ref ref;
 		const char* name;
 		if (message.FindRef(kName_Refs, &ref) != B_OK || message.FindString("text", &name) != B_OK)
 			return;
-		if (name[0] != '\0')
-			BEntry(&ref, false).Rename(name, false);
+		entry_ref renamed(ref.device, ref.directory, name);
+		if (name[0] != '\0' && BEntry(&ref, false).Rename(name, false) == B_OK)
+			EntryRenamed(ref, renamed);
 	}
-	const bool hadFocus = editor->IsFocus();
-	RemoveChild(editor);
-	if (fEditor == editor)
-		fEditor = nullptr;
-	delete editor;
-	if (hadFocus)
-		MakeFocus(true);
+	FileListItem* next = fNextRow;
+	CloseEditor();
+	if (next != nullptr && FullListHasItem(next) && IndexOf(next) >= 0) {
+		StartRename(next); // all is read again when that one ends
+		return;
+	}
 	std::printf("FLV::Refresh\n");
 	RefreshFolder(nullptr);
 }
 
 void
+FileListView::EntryRenamed(entry_ref& from, entry_ref& to)
+{
+	for (int32 i = 0; i < FullListCountItems(); i++) {
+		FileListItem* row = dynamic_cast<FileListItem*>(FullListItemAt(i));
+		if (row == nullptr || *row->GetRef() != from)
+			continue;
+		row->UpdateItem(&to);
+		InvalidateItem(IndexOf(row));
+	}
+}
+
+void
 FileListView::CloseEditor()
 {
+	fNextRow = nullptr;
 	if (fEditor == nullptr)
 		return;
 	const bool hadFocus = fEditor->IsFocus();
 	RemoveChild(fEditor);
-	delete fEditor;
+	fPastEditor.reset(fEditor);
 	fEditor = nullptr;
 	if (hadFocus)
 		MakeFocus(true);

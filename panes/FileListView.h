@@ -53,6 +53,8 @@ public:
 	virtual void RefreshFolder(const entry_ref* ref);
 	virtual void InvokeItem(int32 index);
 	virtual int8 GetPane(); // its code in drags
+	// An editor has given the entry another name, which its row is to show.
+	virtual void EntryRenamed(entry_ref& from, entry_ref& to);
 
 	// BListView
 	void MessageReceived(BMessage* message) override;
@@ -112,10 +114,13 @@ private:
 	entry_ref* fParentRef = nullptr;
 	bool fInTrash = false;
 	InvocableTextView* fEditor = nullptr; // a child
+	// Kept so that no new one is where messages still tell of it.
+	std::unique_ptr<InvocableTextView> fPastEditor;
 
 	std::deque<Transfer> fTransfers; // not begun yet, or not with all files
 
 	FileListItem* fEditedRow = nullptr; // while there is an editor
+	FileListItem* fNextRow = nullptr;   // to be edited when it has ended; may be gone by then
 	// Rows may be replaced at any time, so these are kept by what they show.
 	int32 fPressedIndex = -1;
 	entry_ref fPressed;    // where a drag begins

@@ -44,6 +44,7 @@ public:
 	// FileListView
 	entry_ref* GetParentRef(FileListItem* item) override;
 	int8 GetPane() override;
+	void EntryRenamed(entry_ref& from, entry_ref& to) override { RenameFileItem(&from, &to); }
 
 private:
 	void DeleteRows();

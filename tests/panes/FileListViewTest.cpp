@@ -9,10 +9,12 @@
 #include <app/Clipboard.h>
 #include <interface/MenuItem.h>
 #include <interface/MenuSession.h>
+#include <interface/Modal.h>
 #include <storage/Entry.h>
 #include <storage/FindDirectory.h>
 #include <storage/Path.h>
 
+#include "tests/panes/ContextMenu.h"
 #include "tests/panes/ItemListWindow.h"
 #include "tests/support/LongRun.h"
 #include "tests/support/Variable.h"
@@ -41,6 +43,7 @@ protected:
 	~FileList() override
 	{
 		BPrivate::CloseOpenMenu();
+		BPrivate::CloseAllAlerts(); // of what could not be launched
 		user.Move(1, 1);
 		EXPECT_TRUE(WaitUntil([] { return find_thread("MouseDragOrPopupWatcher") < 0; }));
 	}
@@ -79,16 +82,9 @@ protected:
 		}
 	}
 
-	// Opens the menu at a place of the window and walks so many enabled rows down.
 	void Choose(const char* menu, BPoint where, int32 steps)
 	{
-		user.Click(where.x, where.y, kSecondary);
-		InjectedUser seen(menu);
-		EXPECT_TRUE(WaitUntil([&] { return seen.Snapshot().width > 0; }));
-		for (int32 i = 0; i < steps; i++)
-			seen.Key(std::string(1, B_DOWN_ARROW));
-		seen.KeyDown(std::string(1, steps > 0 ? B_ENTER : B_ESCAPE));
-		it.window.Settle();
+		::Choose(it.window, menu, where, steps);
 	}
 	void ChooseForRow(const std::string& name, int32 steps)
 	{
@@ -190,23 +186,55 @@ TEST_F(FileList, HoldingOpensTheMenuAndCommandAtOnce)
 	EXPECT_LT(find_thread("MouseDragOrPopupWatcher"), 0);
 }
 
-TEST_F(FileList, PasteIsForFilesThatAreThere)
+TEST_F(FileList, AMenuOffersWhatCanBeDone)
 {
-	BMenuItem paste("Paste", nullptr), link("Paste Link", nullptr);
-	const auto enabled = [&] {
-		entry_ref ref;
-		TestClipboard(&ref, &paste, &link);
-		EXPECT_EQ(paste.IsEnabled(), link.IsEnabled());
-		return paste.IsEnabled() ? std::string(ref.name) : "";
+	const Strings row{
+		"Open", "", "Cut", "Copy", "Paste", "Paste Link", "", "Rename", "Delete", "Refresh"};
+	const Strings space{"Paste", "Paste Link", "", "Refresh", "About"};
+	const auto expect = [&](bool canPaste) {
+		const Strings pasting{
+			"Open", "Cut", "Copy", "Paste", "Paste Link", "Rename", "Delete", "Refresh"};
+		const Strings others{"Open", "Cut", "Copy", "Rename", "Delete", "Refresh"};
+		EXPECT_EQ(
+			CanBeChosen(it.window, "iContextMenu", Place("dir"), row), canPaste ? pasting : others);
+		EXPECT_EQ(CanBeChosen(it.window, "iContextMenu", Place("n"), row), others);
+		EXPECT_EQ(CanBeChosen(it.window, "eContextMenu", EmptyPlace(), space),
+			canPaste ? Strings({"Paste", "Paste Link", "Refresh", "About"})
+					 : Strings({"Refresh", "About"}));
 	};
 	InjectedUser::PutOnClipboard({{"text/plain", "m"}});
-	EXPECT_EQ(enabled(), "");
+	expect(false);
 	PutOnClipboard("m");
-	EXPECT_EQ(enabled(), "m");
+	expect(true);
 	tree.Remove("m");
-	EXPECT_EQ(enabled(), "");
+	expect(false);
 	tree.Add("m", Link("nowhere")); // is there, wherever it leads
-	EXPECT_EQ(enabled(), "m");
+	expect(true);
+}
+
+// The rows move between the press and the watcher's report.
+TEST_F(FileList, AMenuIsThatOfThePressedRow)
+{
+	for (bool moves : {false, true}) {
+		it.window.Under([&] {
+			const BRect row = it.list->ItemFrame(2);
+			it.list->MouseDown(BPoint(row.left + 30, row.top + 5));
+			if (moves) {
+				tree.Add("a", Text());
+				it.pane->SetFolder(nullptr, true);
+			}
+			return 0;
+		});
+		EXPECT_TRUE(WaitUntil([] { return find_thread("MouseDragOrPopupWatcher") < 0; }));
+		if (moves) {
+			it.window.Settle();
+			EXPECT_LT(find_thread("iContextMenu"), 0);
+		} else {
+			EXPECT_TRUE(WaitUntil([] { return find_thread("iContextMenu") >= 0; }));
+			InjectedUser("iContextMenu").KeyDown(std::string(1, B_ESCAPE));
+			it.window.Settle();
+		}
+	}
 }
 
 TEST_F(FileList, TheMenuOfTheFolderPastesCopiesAndLinks)
@@ -273,37 +301,55 @@ TEST_F(FileList, DeletesIntoTheTrashAndThereForGood)
 
 TEST_F(FileList, RenamesInPlace)
 {
-	StartRename("n");
-	Type("new/r"); // no name holds a slash
-	user.Key(std::string(1, B_ENTER));
-	ExpectNames({"dir", "m", "newr", "o"});
-	EXPECT_EQ(Editor(), nullptr);
-
-	StartRename("newr");
-	Type("x");
-	user.Key(std::string(1, B_ESCAPE));
-	EXPECT_TRUE(WaitUntil([&] { return Editor() == nullptr; }));
-	ExpectNames({"dir", "m", "newr", "o"});
-
+	const std::string end(1, B_END), enter(1, B_ENTER), escape(1, B_ESCAPE), del(1, B_DELETE);
+	const std::string longest(255, 'w'), odd = "\xff\xfe";
+	tree.Add(longest, Text());
+	tree.Add(odd, Text());
+	const struct {
+		std::string from, keys, to;
+	} cases[] = {{"n", "new/r" + enter, "newr"},                       // no name holds a slash
+		{"newr", "x" + escape, "newr"}, {"newr", "m" + enter, "newr"}, // nor is a file replaced
+		{"newr", del + enter, "newr"}, {"newr", ".." + enter, "newr"},
+		{longest, end + "x" + enter, longest},
+		{longest, end + "\b" + "x" + enter, longest.substr(1) + "x"}, {odd, enter, odd},
+		{odd, end + "x" + enter, odd + "x"}};
+	for (const auto& each : cases) {
+		StartRename(each.from);
+		Type(each.keys);
+		EXPECT_TRUE(WaitUntil([&] { return Editor() == nullptr; }));
+		EXPECT_TRUE(WaitUntil([&] {
+			const Strings names = it.Names();
+			return std::count(names.begin(), names.end(), each.to) == 1;
+		})) << each.from
+			<< each.keys;
+	}
 	StartRename("newr"); // a press elsewhere takes what was typed
 	Type("z");
 	user.Click(200, 250);
-	ExpectNames({"dir", "m", "o", "z"});
-
-	StartRename("z"); // never over another file
-	Type("m");
-	user.Key(std::string(1, B_ENTER));
-	EXPECT_TRUE(WaitUntil([&] { return Editor() == nullptr; }));
-	ExpectNames({"dir", "m", "o", "z"});
+	ExpectNames({"dir", "m", "o", longest.substr(1) + "x", "z", odd + "x"});
 	EXPECT_EQ(tree.Read("m"), "one");
-
-	StartRename("z");
-	user.Key(std::string(1, B_DELETE));
-	user.Key(std::string(1, B_ENTER));
-	EXPECT_TRUE(WaitUntil([&] { return Editor() == nullptr; }));
-	ExpectNames({"dir", "m", "o", "z"});
 	// The keys are the list's again.
 	EXPECT_TRUE(it.window.Under([&] { return it.list->IsFocus(); }));
+}
+
+// By the menu that opens at once, so that the first name has not been taken yet.
+TEST_F(FileList, AnotherRowIsRenamedBeforeTheFirstOneIs)
+{
+	const auto rename = [&](const std::string& name) {
+		::Choose(it.window, "iContextMenu", Place(name, kIconColumn), 4, true);
+	};
+	StartRename("m");
+	Type("p");
+	rename("n");
+	ExpectNames({"dir", "n", "o", "p"});
+	Type("q");
+	rename("n"); // and the same one again
+	ExpectNames({"dir", "o", "p", "q"});
+	Type("r");
+	user.Key(std::string(1, B_ENTER));
+	ExpectNames({"dir", "o", "p", "r"});
+	EXPECT_TRUE(WaitUntil([&] { return Editor() == nullptr; }));
+	EXPECT_EQ(tree.Read("r"), "two");
 }
 
 TEST_F(FileList, TheEditorFollowsItsRowAndGoesWithIt)
