@@ -10,9 +10,11 @@
 
 #include <storage/Entry.h>
 
+#include "tests/panes/ContextMenu.h"
 #include "tests/support/ListenedWindow.h"
 #include "tests/support/Storm.h"
 #include "tests/support/TempTree.h"
+#include "tests/support/Variable.h"
 #include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
@@ -351,6 +353,53 @@ TEST(OutlineView, ANewRootReplacesAllRows)
 	EXPECT_TRUE(it.Shows({"-a", "  +b"}));
 	EXPECT_EQ(it.Selected(), "a");
 	EXPECT_EQ(it.Asked(), Lines{"a"});
+}
+
+TEST(OutlineView, TheMenuOfARowActsOnItsFolder)
+{
+	Tree tree;
+	tree.Add("data", Dir());
+	Variable data("XDG_DATA_HOME", tree.Path("data").c_str());
+	OutlineWindow it(tree.Ref("root"));
+	it.window.User().Activate();
+	InjectedUser::PutOnClipboard({{"text/plain", "nothing to paste"}});
+	EXPECT_TRUE(it.Shows({"-root", "  +a", "  empty", "  +z"}));
+	const auto choose = [&](const char* name, int32 steps, bool withCommand = false) {
+		// On the icon, beside an editor that may be open.
+		Choose(it.window, "iContextMenu", it.PointIn(name, 46), steps, withCommand);
+	};
+	const auto type = [&](const char* keys) {
+		for (; *keys != '\0'; keys++)
+			it.window.User().Key(std::string(1, *keys));
+	};
+	choose("z", 1); // "Open"
+	EXPECT_EQ(it.Asked(), (Lines{"z", "z"}));
+	EXPECT_EQ(it.Selected(), "z");
+	choose("empty", 4); // "Rename"
+	type("e");
+	choose("z", 4, true); // before that is done
+	EXPECT_TRUE(it.Shows({"-root", "  +a", "  e", "  +z"}));
+	type("c\n");
+	EXPECT_TRUE(it.Shows({"-root", "  +a", "  +c", "  e"}));
+	EXPECT_EQ(tree.List("root"), Names({"a", "c", "e", "file", "link"}));
+	EXPECT_EQ(tree.List("root/c"), Names({"y"}));
+	it.Expand("c");
+	choose("y", 5); // "Delete"; all is read again
+	EXPECT_TRUE(it.Shows({"-root", "  +a", "  c", "  e"}));
+	EXPECT_EQ(tree.List("data/Trash/files"), Names({"y"}));
+	tree.Add("root/d", Dir());
+	choose("a", 6); // "Refresh"
+	EXPECT_TRUE(it.Shows({"-root", "  +a", "  c", "  d", "  e"}));
+	const BPoint below(100, 300);
+	EXPECT_EQ(CanBeChosen(it.window, "eContextMenu", below,
+				  {"Paste", "Paste Link", "", "Refresh", "About"}),
+		(Lines{"Refresh", "About"}));
+	choose("e", 3); // "Copy"
+	EXPECT_EQ(CanBeChosen(it.window, "eContextMenu", below,
+				  {"Paste", "Paste Link", "", "Refresh", "About"}),
+		(Lines{"Paste", "Paste Link", "Refresh", "About"}));
+	Choose(it.window, "eContextMenu", below, 4);
+	EXPECT_TRUE(WaitUntil([&] { return !it.window->Take(B_ABOUT_REQUESTED).empty(); }));
 }
 
 // The root is open whatever is in it.
