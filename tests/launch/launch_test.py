@@ -16,7 +16,7 @@ import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "../x11"))
-from desktop import PATIENCE, wait_until  # noqa: E402
+from desktop import KORVA, PATIENCE, Display, Program, wait_until  # noqa: E402
 
 LAUNCH = os.environ.get(
     "KORVA_LAUNCH", os.path.join(HERE, "../../build/check/release/tests/launch_program"))
@@ -36,7 +36,7 @@ ODD_NAMES = [b"plain.note", b"with blank.note", b"100%41.note", b"two\nlines.not
              b"quote'\"$(x)`.note", b"-rf.note", b"\xc3\xa4#?&.note", b"%f.note"]
 
 
-class Program:
+class Launcher:
     """The program that launches."""
 
     def __init__(self, environment, **options):
@@ -122,7 +122,7 @@ mv "$out" "{self.path("done")}"
                               env=self.environment)
 
     def start(self, **options):
-        program = Program(self.environment, **options)
+        program = Launcher(self.environment, **options)
         self.addCleanup(program.kill)
         return program
 
@@ -270,7 +270,7 @@ Exec=/no/such/program
 
 
 @unittest.skipUnless(HAS_GIO, "needs python3-gi")
-class FileManager(LaunchTest):
+class BusTest(LaunchTest):
     def start_bus(self, activatable=()):
         services = self.path("services")
         os.makedirs(services, exist_ok=True)
@@ -299,20 +299,22 @@ class FileManager(LaunchTest):
         service.stdout.readline()
         return service
 
+    def shown(self, count=1):
+        def read():
+            with contextlib.suppress(FileNotFoundError), open(self.path("shown"), "rb") as file:
+                return file.read()
+            return b""
+        wait_until(lambda: read().count(b"-- ShowFolders") >= count, "the folders are shown")
+        return [line for line in read().split(b"\n")[:-1] if not line.startswith(b"-- ")]
+
+
+class FileManager(BusTest):
     def find(self, program, signature=FILE_MANAGER):
         """On a busy machine the bus may take longer than the program waits."""
         wait_until(lambda: program.ask("running", signature) == ["1"], "the file manager is found")
 
     def show(self, program, *paths):
         wait_until(lambda: program.ask("show", *paths) == ["0"], "the file manager is sent folders")
-
-    def shown(self, count=1):
-        def read():
-            with contextlib.suppress(FileNotFoundError), open(self.path("shown"), "rb") as file:
-                return file.read()
-            return b""
-        wait_until(lambda: read().count(b"-- ShowFolders") == count, "the folders are shown")
-        return read().split(b"\n")[:-2]
 
     def test_is_sent_folders_byte_by_byte_encoded(self):
         self.start_bus()
@@ -401,6 +403,48 @@ class FileManager(LaunchTest):
             program = self.start()
             self.assertEqual(program.ask("running", FILE_MANAGER), ["0"])
             self.assertEqual(program.end(), 0)
+
+
+class Window(BusTest):
+    NAME, TOP, ROW = 203, 56, 19  # of the first row on the right
+
+    def setUp(self):
+        super().setUp()
+        self.start_bus()
+        self.start_service()
+        self.display = Display()
+        self.addCleanup(self.display.close)
+        for name in ("top/a b", "top/b", "top/c"):
+            os.makedirs(self.path(name))
+        self.script("top/tool", "")
+        environment = {name: value for name, value in self.environment.items()
+                       if name not in ("QT_QPA_PLATFORM", "LD_PRELOAD")}
+        self.korva = Program(self.display, [KORVA, self.path("top")],
+                             env={**environment, "QT_QPA_PLATFORM": "xcb"})
+        self.addCleanup(self.korva.end)
+        self.picture = self.korva.steady_picture()
+
+    def uri(self, name):
+        return b"file://" + os.fsencode(self.path("top")) + name
+
+    def test_opens_several_selected_folders_in_the_file_manager(self):
+        self.korva.click(self.NAME, self.TOP)
+        self.display.press("ctrl+a", "Return")
+        self.assertEqual(self.shown(3), [self.uri(b"/a%20b"), self.uri(b"/b"), self.uri(b"/c")])
+        self.done()  # the file among them is opened as ever
+        self.display.press("Home")
+        self.korva.click(self.NAME, 400)
+        self.assertEqual(self.korva.steady_picture(), self.picture)  # which shows the same folder
+
+    def test_opens_a_row_in_the_file_manager_by_a_double_click_with_another_button(self):
+        def opened():
+            # So quick that the first click has not opened the menu yet.
+            self.korva.click(self.NAME, self.TOP + self.ROW, button=2, times=2)
+            self.display.press("Escape", "Escape")
+            with contextlib.suppress(AssertionError):
+                return wait_until(lambda: os.path.exists(self.path("shown")), "a folder", 2)
+        wait_until(opened, "a double click is seen as one")
+        self.assertEqual(self.shown()[0], self.uri(b"/b"))
 
 
 if __name__ == "__main__":
