@@ -116,6 +116,9 @@ void
 PopUpOpened(PeerWindow& window)
 {
 	State().open.push_back(&window);
+	// Without one of its own some X servers show none of its parent's, but their very first one,
+	// from the release of a button that was held while the mouse was grabbed.
+	window.setCursor(Qt::ArrowCursor);
 	if (State().open.size() > 1)
 		return;
 	for (QWindow* other : QGuiApplication::topLevelWindows()) {

@@ -106,9 +106,13 @@ class RootBar(X11Test):
         self.display.do("xdotool", "mousemove", str(left + BEHIND_TEXT[0]),
                         str(top + BEHIND_TEXT[1]))
         wait_until(lambda: server.cursor() != arrow, "the beam over the text")
-        self.display.do("xdotool", "click", "3")
+        self.display.do("xdotool", "mousedown", "3")
         self.korva.window("directories")
         wait_until(lambda: server.cursor() == arrow, "the arrow over the menu")
+        self.korva.steady_picture("directories", 0.1)  # it has taken the mouse
+        self.display.do("xdotool", "mouseup", "3")
+        self.korva.steady_picture("directories", 0.1)
+        self.assertEqual(server.cursor(), arrow)
         self.display.press("Up", "Return")
         wait_until(lambda: self.korva.find_window("directories") is None, "the menu's end")
         self.focus()
