@@ -48,7 +48,7 @@ ResizeBar::MouseMoved(BPoint, uint32 transit, const BMessage*)
 {
 	if (transit == B_ENTERED_VIEW)
 		be_app->SetCursor(kResizeHPointer);
-	else if (transit == B_EXITED_VIEW)
+	else if (transit == B_EXITED_VIEW && fWatchers == 0) // else only the cursor shows the drag
 		be_app->SetCursor(B_HAND_CURSOR);
 }
 

@@ -145,6 +145,34 @@ class RootBar(X11Test):
         self.assertEqual(now.part(bar - 16, 200, bar + 5, 400),
                          self.first.part(first - 16, 200, first + 5, 400))
 
+    def test_the_cursor_alone_shows_a_drag_of_the_splitter(self):
+        server = Server(self.display.name)
+        self.addCleanup(server.close)
+        left, top, *_ = self.korva.frame()
+
+        def move(x):
+            self.display.do("xdotool", "mousemove", str(left + x), str(top + 300))
+
+        def wait_for(cursor):
+            wait_until(lambda: server.cursor() == cursor, "the cursor")
+        arrow, bar = server.cursor(), self.bar()
+        move(bar)
+        wait_until(lambda: server.cursor() != arrow, "the double arrow")
+        double_arrow = server.cursor()
+        self.assertEqual(double_arrow[0], (8, 5))
+        move(bar + 50)
+        wait_for(arrow)
+        move(bar)
+        wait_for(double_arrow)
+        self.display.do("xdotool", "mousedown", "1")
+        move(bar + 50)
+        self.assertEqual(self.korva.steady_picture().part(*LEFT_ROWS), self.first.part(*LEFT_ROWS))
+        self.assertEqual((self.bar(), server.cursor()), (bar, double_arrow))
+        self.display.do("xdotool", "mouseup", "1")
+        wait_until(lambda: abs(self.bar() - bar - 50) <= 1, "the splitter")
+        move(bar + 100)
+        wait_for(arrow)
+
     def bar(self):
         """The middle of the splitter: the middle of six columns between two dark ones."""
         picture = self.korva.picture()
