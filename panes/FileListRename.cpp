@@ -11,6 +11,7 @@
 #include <interface/Window.h>
 #include <storage/Entry.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -43,7 +44,9 @@ FileListView::StartRename(FileListItem* row)
 		return;
 	}
 	fEditedRow = row;
-	const BRect frame = EditorFrame();
+	const BRect frame = EditorFrame(), seen = Bounds();
+	const float top = std::min(std::max(seen.top, frame.bottom - seen.Height()), frame.top);
+	ScrollTo(BPoint(frame.left < seen.left ? 0 : seen.left, top)); // else one would type unseen
 	font_height height;
 	GetFontHeight(&height);
 	BRect text = frame;

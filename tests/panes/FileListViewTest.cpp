@@ -323,7 +323,11 @@ TEST_F(FileList, RenamesInPlace)
 		})) << each.from
 			<< each.keys;
 	}
-	StartRename("newr"); // a press elsewhere takes what was typed
+	it.Do([&] { it.list->ScrollTo(BPoint(60, 5)); });
+	Choose("iContextMenu", Place("newr", kKindColumn), 4);
+	const BRect editor = it.window.Under([&] { return it.list->FindView("editname")->Frame(); });
+	EXPECT_TRUE(it.window.Under([&] { return it.list->Bounds().Contains(editor); }));
+	// A press elsewhere takes what was typed.
 	Type("z");
 	user.Click(200, 250);
 	ExpectNames({"dir", "m", "o", longest.substr(1) + "x", "z", odd + "x"});
