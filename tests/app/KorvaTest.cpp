@@ -12,13 +12,13 @@
 #include "tests/support/Inject.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestWindow.h"
-#include "tests/support/Waiting.h"
+#include "tests/support/Variable.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -246,27 +246,14 @@ TEST_F(KorvaWindowTest, AboutIsTheApplicationsBusiness)
 
 namespace {
 
-// Runs the program on `root` until its window, seen and closed by a user, has ended it. What the
-// right pane shows meanwhile is told by the root bar's path.
-std::string
-RootShownFor(const char* root)
+// Runs the program on `root` until its window, closed by a user, has ended it.
+void
+OpenAndClose(const char* root)
 {
-	struct Closer {
-		std::string folders;
-		static int32 Run(void* data)
-		{
-			InjectedUser user("Korva");
-			user.Close();
-			static_cast<Closer*>(data)->folders = "closed";
-			return 0;
-		}
-	} closer;
 	KorvaApp program(root);
-	thread_id thread = spawn_thread(Closer::Run, "closer", B_NORMAL_PRIORITY, &closer);
-	resume_thread(thread);
+	std::thread user([] { InjectedUser("Korva").Close(); });
 	program.Run();
-	wait_for_thread(thread);
-	return closer.folders;
+	user.join();
 }
 
 } // namespace
@@ -274,10 +261,10 @@ RootShownFor(const char* root)
 TEST(KorvaProgram, ClosingTheWindowEndsTheProgramWhateverTheRootIs)
 {
 	TempTree tree{{"loop", Link("loop")}, {"file", Text()}};
-	setenv("HOME", tree.Path().c_str(), 1);
+	Variable home("HOME", tree.Path().c_str());
 	for (const std::string& path : {tree.Path(), tree.Path("loop"), tree.Path("file"),
 			 tree.Path("missing"), std::string(), std::string("\xff\xfe")})
-		EXPECT_EQ("closed", RootShownFor(path.c_str()));
-	EXPECT_EQ("closed", RootShownFor(nullptr));
+		OpenAndClose(path.c_str());
+	OpenAndClose(nullptr);
 	EXPECT_EQ(nullptr, be_app);
 }

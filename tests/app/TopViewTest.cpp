@@ -202,24 +202,3 @@ TEST_F(TopViewTest, AQuickClickPlacesTheCaretOnly)
 	user.Release(100, 17, B_SECONDARY_MOUSE_BUTTON);
 	EXPECT_EQ(AskedRoot(), "/");
 }
-
-TEST(CatchFileString, RedirectsFilesToTheParentAndNothingElse)
-{
-	BView parent(BRect(0, 0, 9, 9), "parent", B_FOLLOW_NONE, 0);
-	BView* child = new BView(BRect(0, 0, 9, 9), "child", B_FOLLOW_NONE, 0);
-	parent.AddChild(child);
-	BHandler* target = child;
-	BMessage message(B_SIMPLE_DATA);
-	EXPECT_EQ(catch_file_string(&message, &target, nullptr), B_DISPATCH_MESSAGE);
-	EXPECT_EQ(target, child);
-	entry_ref ref(1, 2, "name");
-	message.AddRef("refs", &ref);
-	EXPECT_EQ(catch_file_string(&message, &target, nullptr), B_DISPATCH_MESSAGE);
-	EXPECT_EQ(target, &parent);
-	EXPECT_EQ(catch_file_string(&message, &target, nullptr), B_DISPATCH_MESSAGE);
-	EXPECT_EQ(target, &parent);
-	BHandler other;
-	target = &other;
-	catch_file_string(&message, &target, nullptr);
-	EXPECT_EQ(target, &other);
-}

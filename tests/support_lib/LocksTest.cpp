@@ -132,22 +132,6 @@ TEST(UpdateCounter, CountsNeverBelowZero)
 	});
 }
 
-TEST(UpdateCounter, ComparesWithNumbers)
-{
-	UpdateCounter counter;
-	EXPECT_EQ(&(counter = 3), &counter);
-	PrintedBy([&] {
-		for (long value : {2L, 3L, 4L, 1L << 40}) {
-			EXPECT_EQ(counter < value, 3 < value);
-			EXPECT_EQ(counter <= value, 3 <= value);
-			EXPECT_EQ(counter > value, 3 > value);
-			EXPECT_EQ(counter >= value, 3 >= value);
-			EXPECT_EQ(counter == value, 3 == value);
-			EXPECT_EQ(counter != value, 3 != value);
-		}
-	});
-}
-
 TEST(UpdateCounter, TracesThePostfixStepsAndOneComparison)
 {
 	UpdateCounter counter;
