@@ -53,12 +53,12 @@ CanBeChosen(
 	std::vector<std::string> found;
 	int32 top = BPrivate::kMenuEdge;
 	for (const std::string& label : labels) {
-		bool isBlack = false;
+		bool isDark = false;
 		for (int32 y = top; !label.empty() && y < top + height; y++) {
 			for (int32 x = BPrivate::kMenuLabelLeft; x < picture.width - 4; x++)
-				isBlack |= picture.At(x, y) == 0xff000000;
+				isDark |= (picture.At(x, y) & 0xff) < 0x70;
 		}
-		if (isBlack)
+		if (isDark)
 			found.push_back(label);
 		top += label.empty() ? line : height;
 	}

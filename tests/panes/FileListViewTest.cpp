@@ -207,8 +207,10 @@ TEST_F(FileList, AMenuOffersWhatCanBeDone)
 	PutOnClipboard("m");
 	expect(true);
 	tree.Remove("m");
+	ExpectNames({"dir", "n", "o"});
 	expect(false);
 	tree.Add("m", Link("nowhere")); // is there, wherever it leads
+	ExpectNames({"dir", "m", "n", "o"});
 	expect(true);
 }
 
@@ -232,7 +234,7 @@ TEST_F(FileList, AMenuIsThatOfThePressedRow)
 		} else {
 			EXPECT_TRUE(WaitUntil([] { return find_thread("iContextMenu") >= 0; }));
 			InjectedUser("iContextMenu").KeyDown(std::string(1, B_ESCAPE));
-			it.window.Settle();
+			EXPECT_TRUE(WaitUntil([] { return find_thread("iContextMenu") < 0; }));
 		}
 	}
 }
