@@ -25,7 +25,7 @@ void
 Fill(BMessage* data, int32 command, const entry_ref* ref)
 {
 	data->what = kMSG_DragFile;
-	AddPathText(data, ref);
+	PathTexts().AddTo(data, ref);
 	data->AddRef(kName_Refs, ref);
 	data->AddBool("Korva", true);
 	data->AddBool(static_cast<uint32>(command) == B_COPY ? kCopy : kCut, true);

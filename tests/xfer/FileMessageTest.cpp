@@ -273,22 +273,23 @@ TEST(RefDragMessage, CarriesEntriesPathsAndWhereTheyComeFrom)
 	EXPECT_FALSE(empty.HasRef(kName_Refs));
 	EXPECT_TRUE(empty.HasBool("Korva"));
 
-	TempTree tree{{"a", Text()}, {"b", Link("a")}};
+	TempTree tree{{"a", Text()}, {"b", Link("a")}, {"other/c", Text()}};
 	entry_ref first = tree.Ref("a");
 	entry_ref second = tree.Ref("b");
+	entry_ref elsewhere = tree.Ref("other/c");
 	entry_ref pathless;
 	pathless.set_name("x");
 	RefDragMessage drag(&first);
-	drag.AddEntryRef(&pathless);
-	drag.AddEntryRef(&second);
+	for (const entry_ref* ref : {&pathless, &second, &first, &elsewhere})
+		drag.AddEntryRef(ref);
 	drag.SetButtons(B_SECONDARY_MOUSE_BUTTON);
 	drag.SetPane('I');
 	entry_ref ref;
 	EXPECT_EQ(drag.FindRef(kName_Refs, 2, &ref), B_OK);
 	EXPECT_EQ(ref, second);
 	EXPECT_EQ(Texts(drag),
-		std::vector<std::string>(
-			{tree.Path("a") + '\0', std::string(1, '\0'), tree.Path("b") + '\0'}));
+		std::vector<std::string>({tree.Path("a") + '\0', std::string(1, '\0'),
+			tree.Path("b") + '\0', tree.Path("a") + '\0', tree.Path("other/c") + '\0'}));
 	int32 buttons = 0;
 	int8 pane = 0;
 	EXPECT_EQ(drag.FindInt32("buttons", &buttons), B_OK);
