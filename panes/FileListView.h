@@ -12,11 +12,12 @@
 
 #include "clv/ColumnListView.h"
 #include "clv/MouseDragOrPopupWatcher.h"
+#include "panes/DropAim.h"
+#include "xfer/PendingFiles.h"
 
 #include <app/Message.h>
 #include <storage/EntryRef.h>
 
-#include <deque>
 #include <memory>
 #include <optional>
 
@@ -59,6 +60,9 @@ public:
 	void MouseDown(BPoint where) override;
 	void MouseMoved(BPoint where, uint32 transit, const BMessage* drag) override;
 	void KeyDown(const char* bytes, int32 numBytes) override;
+	void Draw(BRect updateRect) override;
+	void ScrollTo(BPoint where) override;
+	using ColumnListView::ScrollTo;
 	void Pulse() override {}
 	void SelectionChanged() override;
 	bool InitiateDrag(BPoint where, int32 index, bool wasSelected) override;
@@ -90,15 +94,10 @@ private:
 	BRect EditorFrame() const;
 	void EditorDone(const BMessage& message);
 
-	// Drops and pastes. Thousands of files are begun in slices, so that the window answers.
-	struct Transfer {
-		BMessage message;
-		entry_ref folder; // where the files go
-		int32 next = 0;   // of the message's files
-		bool isPaste = false;
-		bool isBegun = false; // with any of them
-	};
-	bool FindDropFolder(const BMessage& message, entry_ref* folder);
+	// Drops and pastes
+	const entry_ref* DropFolderAt(BPoint where) const;
+	void NoteDrag(BPoint where, bool isOver, const BMessage* move);
+	void RowsMoved();
 	void GoOnTransferring();
 
 	std::unique_ptr<BPopUpMenu> fItemMenu;
@@ -113,17 +112,14 @@ private:
 	bool fInTrash = false;
 	InvocableTextView* fEditor = nullptr; // a child
 
-	std::deque<Transfer> fTransfers; // not begun yet, or not with all files
+	NFileXFer::PendingFiles fPendingFiles;
 
 	FileListItem* fEditedRow = nullptr; // while there is an editor
 	// Rows may be replaced at any time, so these are kept by what they show.
 	int32 fPressedIndex = -1;
 	entry_ref fPressed;    // where a drag begins
 	entry_ref fWatchedRow; // at fWatchedPress
-	bool fIsDragOver = false;
-	BPoint fDragPoint;       // where a drag was moved to
-	entry_ref fDropFolder;   // that was there; unset for none
-	bool fRowsMoved = false; // since then
+	DropAim fDropAim;
 };
 
 // Enables the two items when the clipboard holds a file that is there still, and stores it.
