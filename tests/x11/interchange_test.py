@@ -15,6 +15,7 @@ from peers import COPIED, PeerTest
 
 DRAG = os.environ.get("KORVA_DRAG", os.path.join(
     os.path.dirname(os.path.abspath(__file__)), "../../build/check/release/tests/drag_program"))
+SLOW_OWNER = os.path.join(os.path.dirname(DRAG), "slow_owner_program")
 # Debian's own Python: another one does not have Debian's modules.
 PYTHON = "/usr/bin/python3"
 GTK = [PYTHON, "-B", os.path.join(os.path.dirname(os.path.abspath(__file__)), "gtk_peer.py")]
@@ -115,6 +116,17 @@ class Interchange(PeerTest):
         held.send_signal(signal.SIGCONT)
         wait_until(lambda: self.key(peer, "ctrl+v", "paste ") == "paste DATA " + self.uri + "plain Copy",
                    "the contents of an owner that answers again")
+
+    def test_window_lives_although_the_owner_of_the_clipboard_is_slow(self):
+        peer = self.open("one", 100)
+        owner = subprocess.Popen([SLOW_OWNER], env=self.display.env, stdout=subprocess.PIPE)
+        self.addCleanup(lambda: (owner.kill(), owner.communicate()))
+        self.assertEqual(owner.stdout.readline(), b"held\n")
+        self.key(peer, "ctrl+v", "pasting")
+        start = time.monotonic()
+        self.assertEqual(peer.wait_for("paste "), "paste nothing")
+        # Each of its formats would take four seconds.
+        self.assertLess(time.monotonic() - start, 6)
 
     def test_drag_to_another_process(self):
         one = self.open("one", 100, self.odd, os.path.join(self.folder, "plain"))
