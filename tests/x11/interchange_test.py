@@ -11,19 +11,12 @@ import unittest
 from urllib.parse import quote
 
 from desktop import wait_until
-from peers import COPIED, PeerTest
+from peers import COPIED, GTK, HAS_GTK, PeerTest
 
 DRAG = os.environ.get("KORVA_DRAG", os.path.join(
     os.path.dirname(os.path.abspath(__file__)), "../../build/check/release/tests/drag_program"))
 SLOW_OWNER = os.path.join(os.path.dirname(DRAG), "slow_owner_program")
-# Debian's own Python: another one does not have Debian's modules.
-PYTHON = "/usr/bin/python3"
-GTK = [PYTHON, "-B", os.path.join(os.path.dirname(os.path.abspath(__file__)), "gtk_peer.py")]
 GROUND = (90, 160, 90)  # of the program's window
-
-HAS_GTK = subprocess.run(
-    [PYTHON, "-c", "import gi; gi.require_version('Gtk', '3.0')"], stderr=subprocess.DEVNULL
-).returncode == 0
 
 # A name of everything that a disk can hold, and how it travels.
 ODD = b"a b%#?\n\xff\xc3\xa9"
