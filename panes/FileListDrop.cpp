@@ -9,13 +9,11 @@
 #include "support/dprint.h"
 #include "xfer/FileXFer.h"
 
-#include <app/Clipboard.h>
 #include <app/Looper.h>
 
 namespace {
 
 constexpr uint32 kDebugLevel = 8;
-constexpr bigtime_t kSlice = 20000;
 
 } // namespace
 
@@ -44,79 +42,74 @@ FileListView::DragItem(FileListItem* row, const BMessage& message)
 	drag.Post(this);
 }
 
-// The folder that a drop means is the one that lit up. When the rows have moved since, and another
-// one lies under the pointer, it means none: false.
-bool
-FileListView::FindDropFolder(const BMessage& message, entry_ref* folder)
+// Where nothing else takes a drop the folder that is shown does; null without one.
+const entry_ref*
+FileListView::DropFolderAt(BPoint where) const
 {
-	const FileListItem* row = RowAt(ConvertFromScreen(message.DropPoint()));
-	if (row != nullptr && !row->IsFolder())
-		row = nullptr;
-	const entry_ref* ref = row != nullptr ? row->GetRef() : fParentRef;
-	if (ref == nullptr || (fIsDragOver && fRowsMoved && *ref != fDropFolder))
-		return false;
-	*folder = *ref;
-	return true;
+	const FileListItem* row = RowAt(where);
+	return row != nullptr && row->IsFolder() ? row->GetRef() : fParentRef;
 }
 
-// The keys that are held at the drop decide for all files, though later ones are begun after them.
+void
+FileListView::NoteDrag(BPoint where, bool isOver, const BMessage* move)
+{
+	const entry_ref* folder = isOver ? DropFolderAt(where) : nullptr;
+	bigtime_t when = system_time();
+	if (move != nullptr)
+		move->FindInt64("when", &when);
+	if (folder != nullptr)
+		fDropAim.MovedOver(ConvertToScreen(where), when, *folder);
+	else
+		fDropAim.Left();
+}
+
+void
+FileListView::Draw(BRect updateRect)
+{
+	ColumnListView::Draw(updateRect);
+	fDropAim.Painted();
+}
+
+void
+FileListView::ScrollTo(BPoint where)
+{
+	const BPoint before = Bounds().LeftTop();
+	ColumnListView::ScrollTo(where);
+	if (Bounds().LeftTop() != before)
+		RowsMoved();
+}
+
+// Something is painted in any case, which tells that the rows are seen where they are now.
+void
+FileListView::RowsMoved()
+{
+	fDropAim.RowsMoved();
+	const BPoint corner = Bounds().LeftTop();
+	Invalidate(BRect(corner, corner));
+}
+
 void
 FileListView::RefsAdded(BMessage* message)
 {
-	Transfer transfer;
+	const bool isUnderWay = !fPendingFiles.IsEmpty();
 	if (message->what == B_PASTE) {
 		if (fParentRef == nullptr)
 			return;
 		Debug.StdOut(kDebugLevel, "B_PASTE(1)\n");
-		transfer.message = *message;
-		if (be_clipboard->Lock()) {
-			transfer.message = *be_clipboard->Data();
-			transfer.isPaste = true;
-			be_clipboard->Unlock();
-			if (!transfer.message.HasBool("Cut") && !transfer.message.HasBool("Copy"))
-				return; // nothing that was meant to be pasted
-		}
-		transfer.folder = *fParentRef;
-	} else {
-		if (!message->WasDropped() || !FindDropFolder(*message, &transfer.folder))
-			return;
-		transfer.message = *message;
-		// So do the buttons, which a drag from elsewhere has not, and which are known only now.
-		int32 buttonsBefore;
-		if (transfer.message.FindInt32(kName_DragButtons, &buttonsBefore) != B_OK) {
-			BPoint where;
-			uint32 buttons = 0;
-			GetMouse(&where, &buttons);
-			transfer.message.RemoveName(kName_DragButtons);
-			transfer.message.AddInt32(kName_DragButtons, static_cast<int32>(buttons));
-		}
-		transfer.message.RemoveName("modifiers");
-		transfer.message.AddInt32("modifiers", static_cast<int32>(modifiers()));
+		fPendingFiles.AddPaste(*message, *fParentRef);
+	} else if (message->WasDropped()) {
+		const entry_ref* folder = DropFolderAt(ConvertFromScreen(message->DropPoint()));
+		if (folder != nullptr && fDropAim.IsMeant(*folder))
+			fPendingFiles.AddDrop(*message, *folder, *this);
 	}
-	fTransfers.push_back(std::move(transfer));
-	if (fTransfers.size() == 1)
+	if (!isUnderWay)
 		GoOnTransferring();
 }
 
 void
 FileListView::GoOnTransferring()
 {
-	const bigtime_t end = system_time() + kSlice;
-	while (!fTransfers.empty()) {
-		Transfer& transfer = fTransfers.front();
-		entry_ref ref;
-		if (transfer.message.FindRef(kName_Refs, transfer.next, &ref) != B_OK) {
-			if (transfer.isPaste && transfer.isBegun)
-				NFileXFer::ForgetCut(transfer.message);
-			fTransfers.pop_front();
-			continue;
-		}
-		transfer.next++;
-		const bool begun =
-			NFileXFer::HandleFileMessage(&transfer.message, &ref, &transfer.folder, this);
-		transfer.isBegun = transfer.isBegun || begun;
-		Debug.StdOut(kDebugLevel, "HFM (%d)\n", begun);
-		if (system_time() > end && Looper()->PostMessage(kMSG_GoOnTransferring, this) == B_OK)
-			return;
+	while (fPendingFiles.BeginSome(this) &&
+		Looper()->PostMessage(kMSG_GoOnTransferring, this) != B_OK) {
 	}
 }

@@ -129,7 +129,7 @@ void
 FileListView::RowsChanged()
 {
 	ColumnListView::RowsChanged();
-	fRowsMoved = true;
+	RowsMoved();
 	if (fEditor == nullptr)
 		return;
 	if (!FullListHasItem(fEditedRow) || IndexOf(fEditedRow) < 0) {

@@ -59,6 +59,7 @@ void
 FileListView::SetParentRef(entry_ref* ref)
 {
 	fParentRef = ref;
+	RowsMoved(); // also of an empty folder by another
 	BPath path;
 	entry_ref trash;
 	fInTrash = ref != nullptr && find_directory(B_TRASH_DIRECTORY, &path, false, nullptr) == B_OK &&
@@ -281,16 +282,7 @@ FileListView::MouseMoved(BPoint where, uint32 transit, const BMessage* drag)
 		move->HasInt32("buttons"))
 		DragItem(pressed, *move);
 	fDragPending = false;
-	// A pointer that stays means the row that it was moved to.
-	const bool over = drag != nullptr && transit != B_EXITED_VIEW;
-	if (!over || !fIsDragOver || where != fDragPoint) {
-		const FileListItem* row = over ? RowAt(where) : nullptr;
-		const entry_ref* folder = row != nullptr && row->IsFolder() ? row->GetRef() : fParentRef;
-		fDropFolder = over && folder != nullptr ? *folder : entry_ref();
-		fRowsMoved = false;
-	}
-	fIsDragOver = over;
-	fDragPoint = where;
+	NoteDrag(where, drag != nullptr && transit != B_EXITED_VIEW, move);
 	ColumnListView::MouseMoved(where, transit, drag);
 }
 

@@ -12,11 +12,12 @@
 
 #include "clv/ColumnListView.h"
 #include "clv/MouseDragOrPopupWatcher.h"
+#include "panes/DropAim.h"
+#include "xfer/PendingFiles.h"
 
 #include <app/Message.h>
 #include <storage/EntryRef.h>
 
-#include <deque>
 #include <memory>
 #include <optional>
 
@@ -61,6 +62,9 @@ public:
 	void MouseDown(BPoint where) override;
 	void MouseMoved(BPoint where, uint32 transit, const BMessage* drag) override;
 	void KeyDown(const char* bytes, int32 numBytes) override;
+	void Draw(BRect updateRect) override;
+	void ScrollTo(BPoint where) override;
+	using ColumnListView::ScrollTo;
 	void Pulse() override {}
 	void SelectionChanged() override;
 	bool InitiateDrag(BPoint where, int32 index, bool wasSelected) override;
@@ -92,15 +96,10 @@ private:
 	BRect EditorFrame() const;
 	void EditorDone(const BMessage& message);
 
-	// Drops and pastes. Thousands of files are begun in slices, so that the window answers.
-	struct Transfer {
-		BMessage message;
-		entry_ref folder; // where the files go
-		int32 next = 0;   // of the message's files
-		bool isPaste = false;
-		bool isBegun = false; // with any of them
-	};
-	bool FindDropFolder(const BMessage& message, entry_ref* folder);
+	// Drops and pastes
+	const entry_ref* DropFolderAt(BPoint where) const;
+	void NoteDrag(BPoint where, bool isOver, const BMessage* move);
+	void RowsMoved();
 	void GoOnTransferring();
 
 	std::unique_ptr<BPopUpMenu> fItemMenu;
@@ -117,7 +116,7 @@ private:
 	// Kept so that no new one is where messages still tell of it.
 	std::unique_ptr<InvocableTextView> fPastEditor;
 
-	std::deque<Transfer> fTransfers; // not begun yet, or not with all files
+	NFileXFer::PendingFiles fPendingFiles;
 
 	FileListItem* fEditedRow = nullptr; // while there is an editor
 	FileListItem* fNextRow = nullptr;   // to be edited when it has ended; may be gone by then
@@ -125,10 +124,7 @@ private:
 	int32 fPressedIndex = -1;
 	entry_ref fPressed;    // where a drag begins
 	entry_ref fWatchedRow; // at fWatchedPress
-	bool fIsDragOver = false;
-	BPoint fDragPoint;       // where a drag was moved to
-	entry_ref fDropFolder;   // that was there; unset for none
-	bool fRowsMoved = false; // since then
+	DropAim fDropAim;
 };
 
 // Enables the two items when the clipboard holds a file that is there still, and stores it.

@@ -25,24 +25,10 @@ void
 Fill(BMessage* data, int32 command, const entry_ref* ref)
 {
 	data->what = kMSG_DragFile;
-	AddPathText(data, ref);
+	PathTexts().AddTo(data, ref);
 	data->AddRef(kName_Refs, ref);
 	data->AddBool("Korva", true);
 	data->AddBool(static_cast<uint32>(command) == B_COPY ? kCopy : kCut, true);
-}
-
-bool
-HaveSameRefs(const BMessage& a, const BMessage& b)
-{
-	entry_ref first;
-	entry_ref second;
-	for (int32 i = 0;; i++) {
-		const bool isThere = a.FindRef(kName_Refs, i, &first) == B_OK;
-		if ((b.FindRef(kName_Refs, i, &second) == B_OK) != isThere || first != second)
-			return false;
-		if (!isThere)
-			return true;
-	}
 }
 
 } // namespace
@@ -75,6 +61,31 @@ FindPasteType(const BMessage& data, ETransferType* type)
 		Debug.StdOut(kDebugLevel, "Copy\n");
 		*type = eCopy;
 		return true;
+	}
+	return false;
+}
+
+bool
+HaveSameRefs(const BMessage& a, const BMessage& b)
+{
+	entry_ref first;
+	entry_ref second;
+	for (int32 i = 0;; i++) {
+		const bool isThere = a.FindRef(kName_Refs, i, &first) == B_OK;
+		if ((b.FindRef(kName_Refs, i, &second) == B_OK) != isThere || first != second)
+			return false;
+		if (!isThere)
+			return true;
+	}
+}
+
+bool
+HasRef(const BMessage& message, const entry_ref& ref)
+{
+	entry_ref other;
+	for (int32 i = 0; message.FindRef(kName_Refs, i, &other) == B_OK; i++) {
+		if (other == ref)
+			return true;
 	}
 	return false;
 }

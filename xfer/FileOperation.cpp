@@ -9,6 +9,7 @@
 
 #include <storage/Directory.h>
 #include <storage/Entry.h>
+#include <storage/File.h>
 
 namespace NFileXFer {
 
@@ -47,13 +48,18 @@ IsTaken(const entry_ref& original, const BPath& folder, const std::string& name)
 // The name of a copy of or link to an entry in the entry's own folder. A copy's is taken by an
 // empty file at once: what came to it before the copy begins would be overwritten.
 std::string
-FreeName(ETransferType type, const entry_ref& original, BDirectory* folder)
+FreeName(ETransferType type, const entry_ref& original, BDirectory* folder, node_ref* made)
 {
 	const BPath path(folder);
 	const bool takes = type == eCopy && BEntry(&original).Exists();
 	const auto isLost = [&](const std::string& name) {
-		return IsTaken(original, path, name) ||
-			(takes && folder->CreateFile(name.c_str(), nullptr, true) == B_FILE_EXISTS);
+		if (IsTaken(original, path, name))
+			return true;
+		BFile file;
+		const status_t status =
+			takes ? folder->CreateFile(name.c_str(), &file, true) : B_NOT_ALLOWED;
+		file.GetNodeRef(made);
+		return status == B_FILE_EXISTS;
 	};
 	const std::string verb = type == eCopy ? "Copy" : "Link";
 	const std::string rest = (type == eCopy ? " of " : " to ") + std::string(original.name);
@@ -61,6 +67,18 @@ FreeName(ETransferType type, const entry_ref& original, BDirectory* folder)
 	for (int32 count = 2; isLost(name); count++)
 		name = verb + " " + std::to_string(count) + rest;
 	return name;
+}
+
+// For a copy that does not come.
+void
+GiveUpName(BDirectory* folder, const std::string& name, const node_ref& made)
+{
+	BEntry entry(folder, name.c_str());
+	node_ref node;
+	off_t size;
+	if (entry.GetNodeRef(&node) == B_OK && node == made && entry.GetSize(&size) == B_OK &&
+		size == 0)
+		entry.Remove();
 }
 
 bool
@@ -94,12 +112,13 @@ FileOperation(ETransferType type, BEntry* entry, BDirectory* folder, const BHand
 	if (entry->GetRef(&ref) != B_OK)
 		return false;
 	std::string name = ref.name;
+	node_ref made; // the file that keeps the name
 	if (IsIn(*entry, ref, *folder)) {
 		Debug.StdOut(kDebugLevel, "Parent == Directory\n");
 		if (type == eMove)
 			return false;
 		if (type == eCopy || type == eLink)
-			name = FreeName(type, ref, folder);
+			name = FreeName(type, ref, folder, &made);
 	}
 	Debug.StdOut(kDebugLevel, "FileTransferType : %s\n",
 		type == eMove       ? "move"
@@ -107,7 +126,10 @@ FileOperation(ETransferType type, BEntry* entry, BDirectory* folder, const BHand
 							: "copy");
 	switch (type) {
 		case eCopy:
-			return Copy(entry, folder, name, handler);
+			if (Copy(entry, folder, name, handler))
+				return true;
+			GiveUpName(folder, name, made);
+			return false;
 		case eMove:
 			return MoveFile(entry, folder);
 		case eLink:

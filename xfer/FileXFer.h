@@ -29,8 +29,9 @@ enum ETransferType {
 
 // Does with one entry what a drop, a paste ('PSTE') or a wish for a link ('ILnk') means: as the
 // clipboard says, else as the buttons of the drag and the keys held by now say, or the user. The
-// view's window is told of the end of a copy. False when nothing was begun.
-// The view's thread; it waits while the menu is open.
+// view's window is told of the end of a copy. False when nothing was begun, as by a paste of what
+// is not on the clipboard any more. The view's thread; it waits while the menu is open. Without a
+// view any thread: what would be asked is cancelled.
 bool HandleFileMessage(
 	const BMessage* message, const entry_ref* entry, const entry_ref* folder, const BView* view);
 
@@ -55,11 +56,6 @@ bool DeleteFile(const entry_ref* ref, bool toTrash);
 // Puts an entry on the clipboard in place of what is there: to be copied for B_COPY, else to be
 // moved by the next paste. True, also when there is no clipboard.
 bool CutCopy(int32 command, const entry_ref* ref);
-
-// For who pastes a copy of the clipboard's contents, after its last file: what is cut is pasted
-// once, since what is there under its name later is another file. Empties the clipboard if the
-// message is a cut and is still there.
-void ForgetCut(const BMessage& pasted);
 
 // Copies the data and attributes of a regular file, in the calling thread. A target that is there
 // is overwritten in place, but not before the source is known to be readable and another file;

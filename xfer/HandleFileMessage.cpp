@@ -35,17 +35,21 @@ ChooseForDrop(const BMessage& message, const BView* view, ETransferType* type)
 		: modifiers();
 	BPoint where;
 	uint32 buttons = 0;
-	view->GetMouse(&where, &buttons);
-	where = view->ConvertToScreen(where);
 	int32 buttonsBefore;
-	if (message.FindInt32(kName_DragButtons, &buttonsBefore) == B_OK)
+	const bool knowsButtons = message.FindInt32(kName_DragButtons, &buttonsBefore) == B_OK;
+	// Only when it must be: asking takes presses that wait for the window.
+	if (view != nullptr && !(knowsButtons && message.WasDropped())) {
+		view->GetMouse(&where, &buttons);
+		where = view->ConvertToScreen(where);
+	}
+	if (knowsButtons)
 		buttons = static_cast<uint32>(buttonsBefore);
 	if (message.WasDropped())
 		where = message.DropPoint();
 
 	if ((keys & B_CONTROL_KEY) != 0 || (buttons & B_SECONDARY_MOUSE_BUTTON) != 0) {
 		Debug.StdOut(kDebugLevel, "Ctrl => Menu\n");
-		*type = FileTransferMenu(where);
+		*type = view != nullptr ? FileTransferMenu(where) : eCancel;
 		return *type != eCancel;
 	}
 	if ((keys & B_OPTION_KEY) != 0) {
@@ -65,14 +69,16 @@ ChooseForDrop(const BMessage& message, const BView* view, ETransferType* type)
 }
 
 bool
-Choose(const BMessage& message, const BView* view, ETransferType* type)
+Choose(const BMessage& message, const entry_ref& ref, const BView* view, ETransferType* type)
 {
 	if (message.what == kMSG_CreateLink) {
 		*type = eLink;
 		return true;
 	}
 	if (message.what == B_PASTE && be_clipboard->Lock()) {
-		const bool isPaste = FindPasteType(*be_clipboard->Data(), type);
+		// A menu may have been open since the file was found there.
+		const BMessage& data = *be_clipboard->Data();
+		const bool isPaste = HasRef(data, ref) && FindPasteType(data, type);
 		be_clipboard->Unlock();
 		return isPaste;
 	}
@@ -110,7 +116,7 @@ HandleFileMessage(
 	const BMessage* message, const entry_ref* entry, const entry_ref* folder, const BView* view)
 {
 	ETransferType type;
-	if (!Choose(*message, view, &type) || !Transfer(type, entry, folder, view))
+	if (!Choose(*message, *entry, view, &type) || !Transfer(type, entry, folder, view))
 		return false;
 	if (message->what == B_PASTE && type == eMove)
 		ForgetCutFile(*entry);

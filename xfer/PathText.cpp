@@ -7,17 +7,35 @@
 #include <storage/Path.h>
 #include <support/TypeConstants.h>
 
-#include <cstring>
+#include <string_view>
 
 namespace NFileXFer {
 
-void
-AddPathText(BMessage* message, const entry_ref* ref)
+namespace {
+
+bool
+IsPlain(std::string_view name)
 {
-	BEntry entry(ref, false);
-	BPath path;
-	const char* text = entry.GetPath(&path) == B_OK ? path.Path() : "";
-	message->AddData(kPathText, B_MIME_TYPE, text, strlen(text) + 1);
+	return name != "." && name != ".." && name.find('/') == name.npos;
+}
+
+} // namespace
+
+void
+PathTexts::AddTo(BMessage* message, const entry_ref* ref)
+{
+	std::string text;
+	if (!fFolder.empty() && ref->name != nullptr && ref->directory == fLast.directory &&
+		ref->device == fLast.device && IsPlain(ref->name)) {
+		text = fFolder + ref->name;
+	} else {
+		BPath path;
+		if (BEntry(ref, false).GetPath(&path) == B_OK)
+			text = path.Path();
+		fLast = *ref;
+		fFolder = text.substr(0, text.rfind('/') + 1);
+	}
+	message->AddData(kPathText, B_MIME_TYPE, text.c_str(), static_cast<ssize_t>(text.size()) + 1);
 }
 
 } // namespace NFileXFer

@@ -2,8 +2,6 @@
 
 #include "xfer/RefDragMessage.h"
 
-#include "xfer/PathText.h"
-
 #include "app/Messages.h"
 
 #include <interface/View.h>
@@ -33,7 +31,7 @@ void
 RefDragMessage::AddEntryRef(const entry_ref* ref)
 {
 	AddRef(kName_DragFile, ref);
-	AddPathText(this, ref);
+	fPaths.AddTo(this, ref);
 }
 
 void

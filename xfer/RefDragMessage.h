@@ -5,6 +5,8 @@
 
 #pragma once
 
+#include "xfer/PathText.h"
+
 #include <app/Message.h>
 #include <interface/Rect.h>
 
@@ -31,6 +33,7 @@ public:
 
 private:
 	BRect fRect{-1, -1, -1, -1};
+	PathTexts fPaths;
 };
 
 } // namespace NFileXFer

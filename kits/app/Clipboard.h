@@ -10,7 +10,8 @@
 // Thread: any; each for itself between Lock() and Unlock(), while all others wait. Hold it only
 // for as long as you read or write.
 // Cost: Lock() is a round trip to the display server, plus reading the contents when they are
-// another program's and new. One that does not answer counts as empty after a second.
+// another program's and new. One that does not answer counts as empty after a second, one that is
+// too slow with it after three.
 
 #pragma once
 

@@ -4,8 +4,8 @@
 //
 // Any thread. On X11 contents of other programs are fetched over a connection of their own, so
 // that neither the GUI thread nor the windows wait for a program that holds the clipboard and does
-// not answer; the caller waits for kClipboardPatience at most. Elsewhere the GUI thread waits,
-// which Qt limits to a second.
+// not answer; the caller waits for kClipboardPatience at most, and for three times as long for one
+// that answers little by little. Elsewhere the GUI thread waits, which Qt limits to a second.
 
 #pragma once
 

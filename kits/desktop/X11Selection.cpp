@@ -191,14 +191,20 @@ X11Selection::TakeProperty(uint32 property, uint32* type, std::string* bytes)
 	}
 }
 
+// For the next sign of life.
+bigtime_t
+X11Selection::Deadline() const
+{
+	return std::min(fEnd, bigtime_t(system_time() + kClipboardPatience));
+}
+
 // A long value comes piece by piece; an empty one ends it.
 status_t
-X11Selection::ReadParts(uint32 property, bigtime_t end, std::string* bytes)
+X11Selection::ReadParts(uint32 property, std::string* bytes)
 {
 	bytes->clear();
 	for (;;) {
-		status_t status =
-			AwaitPart(property, std::min(end, bigtime_t(system_time() + kClipboardPatience)));
+		status_t status = AwaitPart(property, Deadline());
 		const size_t before = bytes->size();
 		uint32 type = 0;
 		if (status == B_OK)
@@ -217,15 +223,14 @@ X11Selection::Convert(uint32 target, std::string* bytes)
 	xcb_convert_selection(
 		fConnection, fWindow, fAtoms[kSelection], target, property, XCB_CURRENT_TIME);
 	xcb_flush(fConnection);
-	const bigtime_t start = system_time();
-	status_t status = Await(property, target, start + kClipboardPatience);
+	status_t status = Await(property, target, Deadline());
 	if (status != B_OK)
 		return status;
 	bytes->clear();
 	uint32 type = 0;
 	status = TakeProperty(property, &type, bytes);
 	if (status == B_OK && type == fAtoms[kIncr])
-		status = ReadParts(property, start + kLongestTransfer, bytes);
+		status = ReadParts(property, bytes);
 	return status;
 }
 
@@ -248,6 +253,7 @@ X11Selection::List(std::vector<std::string>* formats)
 	std::lock_guard lock(fLock);
 	formats->clear();
 	fTextAtom.reset();
+	fEnd = system_time() + kLongestReading;
 	std::vector<uint32> atoms;
 	if (!Connect())
 		return B_ERROR;

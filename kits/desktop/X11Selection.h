@@ -4,7 +4,8 @@
 // Internal to this folder.
 //
 // Any thread; one reads at a time. Never waits longer than the patience without a sign of life of
-// the program that holds the selection, and never longer than kLongestTransfer for all of it.
+// the program that holds the selection, and never longer than kLongestReading for all that is read
+// after a List().
 
 #pragma once
 
@@ -22,7 +23,7 @@ namespace desktop {
 
 class X11Selection {
 public:
-	static constexpr bigtime_t kLongestTransfer = 5000000;        // microseconds
+	static constexpr bigtime_t kLongestReading = 3000000;         // microseconds
 	static constexpr size_t kLargestTransfer = 256 * 1024 * 1024; // bytes
 
 	// `name`: "CLIPBOARD" or "PRIMARY". `windowBase`: where the numbers of the windows of Qt's
@@ -36,7 +37,7 @@ public:
 	// display.
 	status_t GetOwner(uint32* window, bool* ours);
 
-	// Errors as of ListClipboard().
+	// Errors as of ListClipboard(). Listing begins a reading.
 	status_t List(std::vector<std::string>* formats);
 	status_t Read(const std::string& format, std::string* bytes);
 
@@ -65,7 +66,8 @@ private:
 	status_t AwaitPart(uint32 property, bigtime_t deadline);
 	status_t Wait(bigtime_t deadline);
 	status_t TakeProperty(uint32 property, uint32* type, std::string* bytes);
-	status_t ReadParts(uint32 property, bigtime_t end, std::string* bytes);
+	status_t ReadParts(uint32 property, std::string* bytes);
+	bigtime_t Deadline() const;
 	void NoteLate(const xcb_selection_notify_event_t& event);
 	status_t ListAtoms(std::vector<uint32>* atoms);
 	const char* NameOf(int atom) const { return atom == kSelection ? fName : kNames[atom]; }
@@ -79,6 +81,7 @@ private:
 	std::array<uint32, kAtoms> fAtoms = {};
 	std::array<uint32, kProperties> fProperties = {};
 	int fTurn = 0;
+	bigtime_t fEnd = 0; // of the reading
 	bool fLateAnswer = false;
 	std::optional<uint32> fTextAtom; // of what was listed last
 };

@@ -38,6 +38,7 @@ bool
 HasNode(int folder, const char* name, const struct stat& node)
 {
 	struct stat found;
+	errno = 0;
 	int result = Retry([&] { return fstatat(folder, name, &found, AT_SYMLINK_NOFOLLOW); });
 	return result == 0 && IsSameNode(found, node);
 }
@@ -79,14 +80,17 @@ ReadKernelPath(int folder, std::string* path)
 	return true;
 }
 
-// The kernel marks what was removed by a suffix that a living folder may bear as well.
+// The kernel marks what was removed by a suffix that a living folder may bear as well, and gives
+// folders of a volume that was unmounted while they were open paths from that volume's own root.
 bool
 IsLivingPath(const std::string& path, const struct stat& node)
 {
 	constexpr std::string_view kDeleted = " (deleted)";
 	if (path.empty() || path[0] != '/')
 		return false; // "(unreachable)/...": outside our root
-	return !path.ends_with(kDeleted) || HasNode(AT_FDCWD, path.c_str(), node);
+	if (HasNode(AT_FDCWD, path.c_str(), node))
+		return true;
+	return errno == EACCES && !path.ends_with(kDeleted);
 }
 
 } // namespace

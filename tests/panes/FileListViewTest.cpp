@@ -7,6 +7,7 @@
 #include "panes/ItemColumns.h"
 
 #include <app/Clipboard.h>
+#include <app/MessagePrivate.h>
 #include <interface/MenuItem.h>
 #include <interface/MenuSession.h>
 #include <interface/Modal.h>
@@ -471,39 +472,113 @@ TEST_F(FileList, AnUnselectedRowIsDraggedAlone)
 	EXPECT_EQ(tree.List("dir"), Names({"inside", "n"}));
 }
 
-// The rows move between the last move of the pointer and the drop.
+// The rows move before the drop, and before they can be seen at their new places.
 TEST_F(FileList, ADropMeansTheFolderThatLitUp)
 {
-	DragOverDir("m");
-	it.window.Under([&] {
-		tree.Add("a", Dir());
-		it.pane->SetFolder(nullptr, true); // now "a" is the first row
-		user.Release(drop.x, drop.y);
-		return 0;
-	});
-	it.window.Settle();
-	EXPECT_TRUE(WaitUntil([] { return find_thread("move") < 0; }));
-	ExpectNames({"a", "dir", "m", "n", "o"});
-	EXPECT_TRUE(tree.List("a").empty());
+	Strings names = {"dir", "m", "n", "o"};
+	for (float step : {0.0f, 3.0f}) { // the pointer rests, or moves once more
+		DragOverDir("m");
+		it.window.Under([&] {
+			names.insert(names.begin(), step == 0 ? "b" : "a");
+			tree.Add(names[0], Dir());
+			it.pane->SetFolder(nullptr, true); // now that one is the first row
+			user.Release(drop.x + step, drop.y);
+			return 0;
+		});
+		it.window.Settle();
+		EXPECT_TRUE(WaitUntil([] { return find_thread("move") < 0; }));
+		ExpectNames(names);
+		EXPECT_TRUE(tree.List(names[0]).empty());
+	}
 }
 
-TEST_F(FileList, KeysAtTheDropCountForAllFiles)
-{
-	const int count = Rounds(3000, 20000);
-	TempTree from;
-	for (int i = 0; i < count; i++)
-		from.Add(std::to_string(i), Text());
+namespace {
+
+// Many enough that they are begun in several steps.
+struct ManyFiles {
+	ManyFiles()
+	{
+		for (int i = 0; i < count; i++) {
+			tree.Add(std::to_string(i), Text());
+			uris += "file://" + tree.Path(std::to_string(i)) + "\n";
+		}
+	}
+
+	// Looks for one only: listing a folder again and again holds up who works there.
+	bool AreIn(const TempTree& other, const std::string& folder) const
+	{
+		return WaitUntil([&] {
+			return BEntry(other.Path(folder + "/" + std::to_string(count - 1)).c_str()).Exists();
+		});
+	}
+
+	const int count = Rounds(1000, 20000);
+	TempTree tree;
 	std::string uris;
-	for (int i = 0; i < count; i++)
-		uris += "file://" + from.Path(std::to_string(i)) + "\r\n";
-	const BPoint to = Place("dir");
-	user.Move(to.x, to.y, B_SHIFT_KEY);
-	EXPECT_TRUE(user.Drop(to.x, to.y, {{"text/uri-list", uris}}, B_SHIFT_KEY));
-	ASSERT_TRUE(WaitUntil([&] { return tree.List("dir").size() > 1; }));
-	user.Move(1, 1); // the key is let go
-	EXPECT_TRUE(
-		WaitUntil([&] { return tree.List("dir").size() == static_cast<size_t>(count) + 1; }));
-	EXPECT_EQ(from.List().size(), static_cast<size_t>(count)); // linked, none was moved
+};
+
+} // namespace
+
+TEST_F(FileList, KeysAtTheDropCountForAllFilesWhateverBecomesOfTheWindow)
+{
+	const ManyFiles from;
+	tree.Add("left", Dir());
+	ExpectNames({"dir", "left", "m", "n", "o"});
+	it.window.Settle();
+	auto other = std::make_unique<ItemListWindow>(tree);
+	InjectedUser others = other->window.User();
+	for (bool isLeft : {false, true}) {
+		const std::string folder = isLeft ? "left" : "dir";
+		const BPoint to = Place(folder);
+		InjectedUser& dropper = isLeft ? others : user;
+		dropper.Move(to.x, to.y, B_SHIFT_KEY);
+		EXPECT_TRUE(dropper.Drop(to.x, to.y, {{"text/uri-list", from.uris}}, B_SHIFT_KEY));
+		ASSERT_TRUE(WaitUntil([&] { return BEntry(tree.Path(folder + "/0").c_str()).Exists(); }));
+		if (isLeft)
+			other.reset();
+		user.Move(1, 1); // the key is let go
+		ASSERT_TRUE(from.AreIn(tree, folder));
+		EXPECT_GE(tree.List(folder).size(), static_cast<size_t>(from.count));
+	}
+	EXPECT_EQ(from.tree.List().size(), static_cast<size_t>(from.count)); // linked, none was moved
+}
+
+TEST_F(FileList, ACutIsPastedOnceThoughItsFilesAreMany)
+{
+	ManyFiles from;
+	InjectedUser::PutOnClipboard({{"x-special/gnome-copied-files", "cut\n" + from.uris}});
+	BMessage paste(B_PASTE), links(kMSG_CreateLink);
+	const entry_ref linked = tree.Ref("m");
+	for (int i = 0; i < 200; i++) // for each a name is looked for among all before
+		links.AddRef(kName_Refs, &linked);
+	BPrivate::MessageAccess::SetDropped(links, true);
+	it.window.Under([&] {
+		it.list->RefsAdded(&links); // the pastes have to wait for those
+		it.list->RefsAdded(&paste);
+		it.list->RefsAdded(&paste);
+		return 0;
+	});
+	// The first one has begun: there is nothing left for others.
+	ASSERT_TRUE(WaitUntil([&] { return BEntry(tree.Path("0").c_str()).Exists(); }));
+	from.tree.Add("0", Text("another"));
+	EXPECT_TRUE(InjectedUser::Clipboard().empty());
+	ASSERT_TRUE(from.AreIn(tree, "."));
+	it.window.Settle();
+	EXPECT_TRUE(WaitUntil([] { return find_thread("move") < 0; }));
+	EXPECT_EQ(from.tree.List(), Names({"0"}));
+
+	BMessage neither(kMSG_DragFile);
+	neither.AddRef(kName_Refs, &linked);
+	ASSERT_TRUE(be_clipboard->Lock());
+	*be_clipboard->Data() = neither;
+	be_clipboard->Commit();
+	be_clipboard->Unlock();
+	entry_ref folder = tree.Ref("dir");
+	it.Do([&] {
+		it.pane->SetFolder(&folder, false);
+		it.list->RefsAdded(&paste);
+	});
+	EXPECT_EQ(tree.List("dir"), Names({"inside"}));
 }
 
 // Whoever can reach the window can send what watchers, menus and other programs would.
@@ -544,4 +619,9 @@ TEST_F(FileList, SenselessMessagesDoNoHarm)
 	entry_ref root = tree.Ref(".");
 	it.Do([&] { it.pane->SetFolder(&root, false); });
 	ExpectNames({"dir", "m", "n", "o"});
+	// Some have opened files, or tried to.
+	EXPECT_TRUE(WaitUntil([&] {
+		BPrivate::CloseAllAlerts();
+		return !BPrivate::InputBlockedBy(it.window.Get());
+	}));
 }

@@ -34,6 +34,16 @@ Answer(uint32_t answer)
 	return BPF_STMT(BPF_RET | BPF_K, answer);
 }
 
+void
+Install(std::vector<sock_filter> filter)
+{
+	filter.push_back(Answer(SECCOMP_RET_ALLOW));
+	sock_fprog program = {static_cast<unsigned short>(filter.size()), filter.data()};
+	if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
+		prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
+		throw std::system_error(errno, std::generic_category(), "seccomp");
+}
+
 } // namespace
 
 AsNobody::AsNobody() : fUser(setfsuid(kNobody)) {}
@@ -60,9 +70,17 @@ Deny(Denial denial)
 		filter.push_back(SkipUnless(SYS_linkat, 1));
 		filter.push_back(Answer(SECCOMP_RET_ERRNO | EPERM));
 	}
-	filter.push_back(Answer(SECCOMP_RET_ALLOW));
-	sock_fprog program = {static_cast<unsigned short>(filter.size()), filter.data()};
-	if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
-		prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
-		throw std::system_error(errno, std::generic_category(), "seccomp");
+	Install(std::move(filter));
+}
+
+void
+DenyFrom(uint32_t offset, int call, int error)
+{
+	Install({
+		Load(offsetof(seccomp_data, nr)),
+		SkipUnless(static_cast<uint32_t>(call), 3),
+		Load(offsetof(seccomp_data, args[3])), // the low half on our machines
+		BPF_JUMP(BPF_JMP | BPF_JGE | BPF_K, offset, 0, 1),
+		Answer(SECCOMP_RET_ERRNO | static_cast<uint32_t>(error)),
+	});
 }

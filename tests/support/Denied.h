@@ -5,6 +5,7 @@
 
 #pragma once
 
+#include <cstdint>
 #include <sys/types.h>
 
 // The calling thread has no more rights on files than somebody, until the end.
@@ -27,3 +28,6 @@ enum class Denial {
 
 // For the calling thread and the processes that it starts, for good.
 void Deny(Denial denial);
+// Reading (SYS_pread64) or writing (SYS_pwrite64) fails with this error from an offset on, which
+// stays below 4 GiB.
+void DenyFrom(uint32_t offset, int call, int error);

@@ -7,7 +7,7 @@
 //	transfer_program TITLE LEFT FOLDER [TITLE LEFT FOLDER ...]
 
 #include "app/Messages.h"
-#include "xfer/FileXFer.h"
+#include "xfer/CutCopy.h"
 
 #include <app/Application.h>
 #include <app/Clipboard.h>

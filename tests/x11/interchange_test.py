@@ -11,18 +11,12 @@ import unittest
 from urllib.parse import quote
 
 from desktop import wait_until
-from peers import COPIED, PeerTest
+from peers import COPIED, GTK, HAS_GTK, PeerTest
 
 DRAG = os.environ.get("KORVA_DRAG", os.path.join(
     os.path.dirname(os.path.abspath(__file__)), "../../build/check/release/tests/drag_program"))
-# Debian's own Python: another one does not have Debian's modules.
-PYTHON = "/usr/bin/python3"
-GTK = [PYTHON, "-B", os.path.join(os.path.dirname(os.path.abspath(__file__)), "gtk_peer.py")]
+SLOW_OWNER = os.path.join(os.path.dirname(DRAG), "slow_owner_program")
 GROUND = (90, 160, 90)  # of the program's window
-
-HAS_GTK = subprocess.run(
-    [PYTHON, "-c", "import gi; gi.require_version('Gtk', '3.0')"], stderr=subprocess.DEVNULL
-).returncode == 0
 
 # A name of everything that a disk can hold, and how it travels.
 ODD = b"a b%#?\n\xff\xc3\xa9"
@@ -115,6 +109,17 @@ class Interchange(PeerTest):
         held.send_signal(signal.SIGCONT)
         wait_until(lambda: self.key(peer, "ctrl+v", "paste ") == "paste DATA " + self.uri + "plain Copy",
                    "the contents of an owner that answers again")
+
+    def test_window_lives_although_the_owner_of_the_clipboard_is_slow(self):
+        peer = self.open("one", 100)
+        owner = subprocess.Popen([SLOW_OWNER], env=self.display.env, stdout=subprocess.PIPE)
+        self.addCleanup(lambda: (owner.kill(), owner.communicate()))
+        self.assertEqual(owner.stdout.readline(), b"held\n")
+        self.key(peer, "ctrl+v", "pasting")
+        start = time.monotonic()
+        self.assertEqual(peer.wait_for("paste "), "paste nothing")
+        # Each of its formats would take four seconds.
+        self.assertLess(time.monotonic() - start, 6)
 
     def test_drag_to_another_process(self):
         one = self.open("one", 100, self.odd, os.path.join(self.folder, "plain"))

@@ -10,6 +10,12 @@ import tempfile
 from desktop import PATIENCE, Program, X11Test, wait_until
 
 COPIED = "x-special/gnome-copied-files"
+# Debian's own Python: another one does not have Debian's modules.
+PYTHON = "/usr/bin/python3"
+GTK = [PYTHON, "-B", os.path.join(os.path.dirname(os.path.abspath(__file__)), "gtk_peer.py")]
+HAS_GTK = subprocess.run(
+    [PYTHON, "-c", "import gi; gi.require_version('Gtk', '3.0')"], stderr=subprocess.DEVNULL
+).returncode == 0
 
 
 class Peer(Program):

@@ -9,7 +9,7 @@ import unittest
 from urllib.parse import quote
 
 from desktop import BUILT, PATIENCE, wait_until
-from peers import COPIED, Peer, PeerTest
+from peers import COPIED, GTK, HAS_GTK, Peer, PeerTest
 
 TRANSFER = os.environ.get("KORVA_TRANSFER", os.path.join(BUILT, "tests/transfer_program"))
 GROUND = (90, 160, 90)  # of the program's windows
@@ -151,6 +151,28 @@ class Transfer(PeerTest):
         end.wait_for("dropped 0")
         self.assertEqual(self.outcome(start, end), "nothing")
 
+    @unittest.skipUnless(HAS_GTK, "needs python3-gi and gir1.2-gtk-3.0")
+    def test_menu_asks_for_each_file_that_another_program_drags(self):
+        end, = self.open(400)
+        source = self.new_folder("a", "b", "c")
+        other = self.start_peer(
+            GTK, "other", 100, *("file://" + quote(os.path.join(source, name)) for name in "abc"))
+        self.press_on(other, 3)
+        other.wait_for("begin")
+        self.move_onto(end.peer, end.title + ": enter")
+        self.let_go()
+        last = None
+        for keys in (("Down", "Return"), ("Escape",), ("Down", "Down", "Down", "Return")):
+            menu = wait_until(lambda: end.peer.find_window("File") not in (None, last) and
+                              end.peer.find_window("File"), "another menu")
+            self.display.press(*keys)
+            last = menu
+        end.wait_for("dropped 2")
+        wait_until(lambda: end.names() == ["a", "c"], "a link and a copy")
+        self.assertEqual(os.readlink(end.file("a")), os.path.join(source, "a"))
+        self.assertFalse(os.path.islink(end.file("c")))
+        self.assertEqual(sorted(os.listdir(source)), ["a", "b", "c"])
+
     def test_question_is_answered_while_the_window_lives(self):
         start, end = self.open(100, 400)
         end.put("a", "old")
@@ -205,6 +227,27 @@ class Transfer(PeerTest):
                     file.seek(LARGE - 3)
                     self.assertEqual(file.read(), b"end")
                 end.clear()
+
+    def test_files_that_wait_are_copied_after_the_end(self):
+        names = sorted(f"a file of some name {i}" for i in range(3000))
+        source = self.new_folder(*names)
+        self.xclip("text/uri-list", "\r\n".join(
+            "file://" + quote(os.path.join(source, name)) for name in names))
+        for ending in ("close", "signal"):
+            with self.subTest(ending):
+                target = self.new_folder()
+                korva = self.start(target)
+                korva.steady_picture()
+                self.focus(korva)
+                self.display.press("ctrl+v")
+                wait_until(lambda: os.listdir(target), "the first copy")
+                if ending == "close":
+                    korva.close()
+                else:
+                    korva.process.send_signal(signal.SIGTERM)
+                wait_until(lambda: korva.find_window() is None, "the window to go")
+                self.assertEqual(korva.wait_for_end(60), 0, korva.errors())
+                self.assertEqual(sorted(os.listdir(target)), names)
 
     def test_what_is_cut_is_pasted_once(self):
         start, end = self.open(100, 400)

@@ -16,8 +16,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 #include <thread>
 #include <unistd.h>
@@ -188,16 +190,22 @@ TEST(CopyFile, ATargetThatCannotBeMadeIsNotMade)
 	EXPECT_EQ(Content(tree, "new"), "(none)");
 }
 
-TEST(CopyFile, AReadErrorLeavesWhatCameBefore)
+// A disk that fails, and one that the kernel has made read-only after an error.
+TEST(CopyFile, AnErrorMidwayLeavesWhatCameBefore)
 {
-	// The kernel has nothing to give at the start of this file.
-	BEntry memory("/proc/self/mem");
-	entry_ref source;
-	ASSERT_EQ(memory.GetRef(&source), B_OK);
-	TempTree tree;
-	BPath target(tree.Path("to").c_str());
-	EXPECT_FALSE(NFileXFer::CopyFile(&source, &target));
-	EXPECT_EQ(Content(tree, "to"), "");
+	const std::string bytes = Pattern(1 << 20);
+	for (const auto& [call, error] :
+		{std::pair(SYS_pread64, EIO), std::pair(SYS_pwrite64, EROFS)}) {
+		TempTree tree{{"from", Text(bytes)}, {"to", Text(Pattern(2 << 20))}};
+		std::thread([&, call = call, error = error] {
+			DenyFrom(500000, int(call), error);
+			EXPECT_FALSE(Copy(tree, "from", "to"));
+		}).join();
+		const std::string part = tree.Read("to");
+		EXPECT_GT(part.size(), 300000u);
+		EXPECT_TRUE(part.size() < bytes.size() && bytes.starts_with(part));
+		EXPECT_TRUE(tree.Read("from") == bytes);
+	}
 }
 
 TEST(CopyFile, AFullOrFixedVolumeIsAFailure)
@@ -237,20 +245,31 @@ TEST(CopyFile, AnAttributeThatCannotBeHeldIsLeftOut)
 
 namespace {
 
-// Copies "a/from" to "b/to" and calls `meddle` once bytes arrive.
-template <typename Meddle>
+// Copies "a/from" to "b/to" and calls `meddle` once bytes arrive. When the copy was quicker than
+// that, `undo` has to make everything as it was before, for another try.
+template <typename Meddle, typename Undo>
 bool
-CopyWhile(TempTree& tree, Meddle meddle)
+CopyWhile(TempTree& tree, Meddle meddle, Undo undo)
 {
-	bool isCopied = false;
-	std::thread copier([&] { isCopied = Copy(tree, "a/from", "b/to"); });
-	EXPECT_TRUE(WaitUntil([&] {
-		struct stat status;
-		return stat(tree.Path("b/to").c_str(), &status) == 0 && status.st_size > 0;
-	}));
-	meddle();
-	copier.join();
-	return isCopied;
+	for (int tries = 0; tries < 100; tries++) {
+		std::atomic<bool> isCopied = false, hasEnded = false;
+		std::thread copier([&] {
+			isCopied = Copy(tree, "a/from", "b/to");
+			hasEnded = true;
+		});
+		EXPECT_TRUE(WaitUntil([&] {
+			struct stat status;
+			return stat(tree.Path("b/to").c_str(), &status) == 0 && status.st_size > 0;
+		}));
+		meddle();
+		const bool wasMidway = !hasEnded;
+		copier.join();
+		if (wasMidway)
+			return isCopied;
+		undo();
+	}
+	ADD_FAILURE() << "all copies were too quick";
+	return false;
 }
 
 } // namespace
@@ -258,29 +277,46 @@ CopyWhile(TempTree& tree, Meddle meddle)
 TEST(CopyFile, WhatHappensToNamesMidwayDoesNotHarmTheData)
 {
 	const std::string bytes = Pattern(30 << 20);
-	TempTree tree{{"a/from", Text(bytes)}, {"b", Dir()}};
-	SetAttr(tree, "a/from", "mark", B_STRING_TYPE, "value");
-	EXPECT_TRUE(CopyWhile(tree, [&] { tree.Rename("a", "c"); }));
+	TempTree tree{{"a", Dir()}, {"b", Dir()}};
+	const auto renew = [&] {
+		for (const char* folder : {"a", "b"}) {
+			for (const std::string& name : tree.List(folder))
+				tree.Remove(std::string(folder) + "/" + name);
+		}
+		tree.Add("a/from", Text(bytes));
+		SetAttr(tree, "a/from", "mark", B_STRING_TYPE, "value");
+	};
+	const auto renameBack = [&](const char* to) {
+		return [&, to] {
+			tree.Rename("c", to);
+			renew();
+		};
+	};
+	renew();
+	EXPECT_TRUE(CopyWhile(
+		tree, [&] { tree.Rename("a", "c"); }, renameBack("a")));
 	EXPECT_TRUE(tree.Read("b/to") == bytes);
 	EXPECT_EQ(Attr(tree, "b/to", "mark"), "Rvalue");
 
-	tree.Rename("c", "a");
-	tree.Remove("b/to");
-	EXPECT_TRUE(CopyWhile(tree, [&] { tree.Remove("a/from"); }));
+	renameBack("a")();
+	EXPECT_TRUE(CopyWhile(
+		tree, [&] { tree.Remove("a/from"); }, renew));
 	EXPECT_TRUE(tree.Read("b/to") == bytes);
 
 	// Whoever takes the target's name meanwhile gets nothing of it.
-	tree.Rename("b/to", "a/from");
-	SetAttr(tree, "a/from", "mark", B_STRING_TYPE, "value");
-	CopyWhile(tree, [&] {
+	renew();
+	const auto replace = [&] {
 		tree.Rename("b/to", "a/to");
 		tree.Add("b/to", Text("another"));
-	});
+	};
+	EXPECT_FALSE(CopyWhile(tree, replace, renew));
 	EXPECT_TRUE(tree.Read("a/to") == bytes);
 	EXPECT_EQ(tree.Read("b/to") + Attr(tree, "b/to", "mark"), "another(none)");
 
-	tree.Remove("b/to");
-	CopyWhile(tree, [&] { tree.Rename("b", "c"); });
+	// No attributes without a path to the target.
+	renew();
+	EXPECT_FALSE(CopyWhile(
+		tree, [&] { tree.Rename("b", "c"); }, renameBack("b")));
 	EXPECT_TRUE(tree.Read("c/to") == bytes);
 	EXPECT_TRUE(tree.Read("a/from") == bytes);
 }

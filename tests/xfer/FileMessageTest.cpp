@@ -3,11 +3,12 @@
 // What drops, pastes and wishes for links come to: by buttons and keys, by the clipboard, by the
 // menu. And the messages that drags and the clipboard carry.
 
-#include "xfer/FileXFer.h"
+#include "xfer/CutCopy.h"
 
 #include "app/Messages.h"
 
 #include <app/Clipboard.h>
+#include <app/MessagePrivate.h>
 #include <interface/MenuSession.h>
 #include <storage/Directory.h>
 #include <storage/Entry.h>
@@ -28,6 +29,9 @@ namespace {
 class Page : public BView {
 public:
 	Page() : BView(BRect(0, 0, 200, 200), "page", B_FOLLOW_ALL_SIDES, B_WILL_DRAW) {}
+	void MouseDown(BPoint) override { presses++; }
+
+	int presses = 0;
 };
 
 // A file to be transferred, and a window over which it is dropped.
@@ -132,8 +136,7 @@ Texts(const BMessage& message)
 TEST_F(FileMessage, ButtonsAndKeysChooseWhatADropDoes)
 {
 	const std::string closes = {B_ESCAPE};
-	for (int32 buttons = -1; buttons <= (B_PRIMARY_MOUSE_BUTTON | B_SECONDARY_MOUSE_BUTTON);
-		 buttons++) {
+	for (int32 buttons = -1; buttons <= B_TERTIARY_MOUSE_BUTTON; buttons++) {
 		BMessage drop(kMSG_DragFile);
 		if (buttons >= 0)
 			drop.AddInt32(kName_DragButtons, buttons);
@@ -178,6 +181,21 @@ TEST_F(FileMessage, ButtonsAreThoseOfTheMessageElseThoseHeld)
 	fWindow.User().Release(20, 20, B_SECONDARY_MOUSE_BUTTON);
 }
 
+// What the user does next in the window is no business of a drop that tells all.
+TEST_F(FileMessage, ADropTakesNoPresses)
+{
+	BMessage drop(kMSG_DragFile);
+	drop.AddInt32(kName_DragButtons, B_PRIMARY_MOUSE_BUTTON);
+	BPrivate::MessageAccess::SetDropped(drop, true);
+	const bool isBegun = fWindow.Under([&] {
+		fWindow.User().Click(20, 20);
+		return Handle(drop);
+	});
+	EXPECT_EQ(Outcome(isBegun), "moved");
+	fWindow.Settle();
+	EXPECT_EQ(fPage->presses, 1);
+}
+
 TEST_F(FileMessage, TheClipboardDecidesWhatAPasteDoes)
 {
 	const BMessage paste(B_PASTE);
@@ -193,6 +211,11 @@ TEST_F(FileMessage, TheClipboardDecidesWhatAPasteDoes)
 	EXPECT_EQ(HandleWithKeys(paste, 0), "moved");
 	EXPECT_EQ(HandleWithKeys(paste, 0), "nothing"); // what is cut is pasted once
 	EXPECT_FALSE(Clipboard().HasRef(kName_Refs));
+
+	entry_ref other = tree.Ref("to"); // came there since the paste was chosen
+	EXPECT_TRUE(CutCopy(B_CUT, &other));
+	EXPECT_EQ(HandleWithKeys(paste, 0), "nothing");
+	EXPECT_TRUE(Clipboard().HasBool("Cut"));
 
 	BMessage neither(kMSG_DragFile);
 	neither.AddRef(kName_Refs, &fSource);
@@ -273,22 +296,23 @@ TEST(RefDragMessage, CarriesEntriesPathsAndWhereTheyComeFrom)
 	EXPECT_FALSE(empty.HasRef(kName_Refs));
 	EXPECT_TRUE(empty.HasBool("Korva"));
 
-	TempTree tree{{"a", Text()}, {"b", Link("a")}};
+	TempTree tree{{"a", Text()}, {"b", Link("a")}, {"other/c", Text()}};
 	entry_ref first = tree.Ref("a");
 	entry_ref second = tree.Ref("b");
+	entry_ref elsewhere = tree.Ref("other/c");
 	entry_ref pathless;
 	pathless.set_name("x");
 	RefDragMessage drag(&first);
-	drag.AddEntryRef(&pathless);
-	drag.AddEntryRef(&second);
+	for (const entry_ref* ref : {&pathless, &second, &first, &elsewhere})
+		drag.AddEntryRef(ref);
 	drag.SetButtons(B_SECONDARY_MOUSE_BUTTON);
 	drag.SetPane('I');
 	entry_ref ref;
 	EXPECT_EQ(drag.FindRef(kName_Refs, 2, &ref), B_OK);
 	EXPECT_EQ(ref, second);
 	EXPECT_EQ(Texts(drag),
-		std::vector<std::string>(
-			{tree.Path("a") + '\0', std::string(1, '\0'), tree.Path("b") + '\0'}));
+		std::vector<std::string>({tree.Path("a") + '\0', std::string(1, '\0'),
+			tree.Path("b") + '\0', tree.Path("a") + '\0', tree.Path("other/c") + '\0'}));
 	int32 buttons = 0;
 	int8 pane = 0;
 	EXPECT_EQ(drag.FindInt32("buttons", &buttons), B_OK);
@@ -307,6 +331,10 @@ TEST(RefDragMessage, ItsOutlineCoversTheRowsEdgeByEdge)
 	EXPECT_EQ(drag.Rect(), BRect(10, 30, 50, 40));
 	drag.AddRect(BRect(5, 10, 60, 35));
 	EXPECT_EQ(drag.Rect(), BRect(5, 10, 60, 40));
-	drag.SetRect(BRect(0, 0, 1, 1));
-	EXPECT_EQ(drag.Rect(), BRect(0, 0, 1, 1));
+	drag.SetRect(BRect(3, 1, 8, 6));
+	BView view(BRect(), "view", B_FOLLOW_NONE, 0);
+	testing::internal::CaptureStdout();
+	drag.Post(&view);
+	EXPECT_EQ(testing::internal::GetCapturedStdout(), "BRect(3.0, 1.0, 8.0, 6.0)\n");
+	EXPECT_EQ(drag.Rect(), BRect(50, 50, 55, 55)); // where it begins
 }

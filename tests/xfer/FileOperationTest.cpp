@@ -5,14 +5,18 @@
 #include "xfer/FileXFer.h"
 
 #include "app/Messages.h"
+#include "panes/FileListView.h"
 #include "support/UpdateCounter.h"
 
+#include <app/Clipboard.h>
 #include <app/Looper.h>
 #include <app/Message.h>
+#include <interface/MenuItem.h>
 #include <storage/Entry.h>
 #include <storage/FindDirectory.h>
 #include <storage/Path.h>
 
+#include "kits/desktop/JobQueue.h"
 #include "tests/support/Denied.h"
 #include "tests/support/MountNamespace.h"
 #include "tests/support/Storm.h"
@@ -22,10 +26,14 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
 
 using namespace NFileXFer;
 
@@ -113,6 +121,51 @@ TEST(FileOperation, CopiesIntoTheirOwnFolderCountUpFreeNames)
 	EXPECT_EQ(tree.List(),
 		Names(
 			{"Copy 2 of a", "Copy 3 of a", "Copy 4 of a", "Copy of Copy of a", "Copy of a", "a"}));
+}
+
+// A folder that was unmounted while it was open has no path to copy to.
+TEST(FileOperation, ACopyThatCannotBeginLeavesNothing)
+{
+	if (!InMountNamespace())
+		return;
+	TempTree tree{{"volume", Dir()}};
+	BDirectory folder;
+	entry_ref source;
+	{
+		MemoryVolume volume(tree.Path("volume"));
+		tree.Add("volume/a", Text("one"));
+		folder = tree.Folder("volume");
+		source = tree.Ref("volume/a");
+	}
+	EXPECT_FALSE(Do(eCopy, source, folder));
+	EXPECT_EQ(folder.CountEntries(), 1);
+}
+
+// Whoever comes first to a name keeps it.
+TEST(FileOperation, ACopyTakesNoNameThatIsTakenMeanwhile)
+{
+	TempTree tree{{"a", Text("one")}};
+	const int count = Rounds(100, 1000);
+	std::set<std::string> others;
+	std::thread other([&] {
+		for (int i = 2; i < count; i++) {
+			const std::string name = "Copy " + std::to_string(i) + " of a";
+			const int file =
+				open(tree.Path(name).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+			if (file >= 0) {
+				others.insert(name);
+				EXPECT_EQ(write(file, "other", 5), 5);
+				close(file);
+			}
+		}
+	});
+	for (int i = 0; i < count; i++)
+		EXPECT_TRUE(Do(eCopy, tree.Ref("a"), tree.Folder()));
+	other.join();
+	EXPECT_TRUE(AllEnded());
+	EXPECT_EQ(tree.List().size(), static_cast<size_t>(count) + 1 + others.size());
+	for (const std::string& name : tree.List())
+		EXPECT_EQ(tree.Read(name), others.count(name) != 0 ? "other" : "one") << name;
 }
 
 TEST(FileOperation, LinksHoldTheWholePathAndCountUpFreeNames)
@@ -254,6 +307,28 @@ TEST(FileOperation, HundredsAtOnceAllArrive)
 		ASSERT_EQ(tree.Read("moved/m" + text), text);
 	}
 	EXPECT_TRUE(WaitUntil([] { return gUpdateTolerance == 0; }));
+}
+
+TEST(HandleFileMessage, DropsAndPastesNeedNoClipboardAndNoView)
+{
+	desktop::CloseJobQueue(true); // as when the display went away
+	ASSERT_FALSE(be_clipboard->Lock());
+	TempTree tree{{"a", Text("one")}, {"to", Dir()}};
+	entry_ref source = tree.Ref("a");
+	entry_ref folder = tree.Ref("to");
+	EXPECT_TRUE(CutCopy(B_CUT, &source));
+	BMenuItem paste("Paste", nullptr), link("Paste Link", nullptr);
+	TestClipboard(&source, &paste, &link);
+	EXPECT_FALSE(paste.IsEnabled() || link.IsEnabled());
+
+	BMessage secondary(kMSG_DragFile); // there is nobody to be asked
+	secondary.AddInt32(kName_DragButtons, B_SECONDARY_MOUSE_BUTTON);
+	EXPECT_FALSE(HandleFileMessage(&secondary, &source, &folder, nullptr));
+	// A paste then is what a drop is.
+	const BMessage command(B_PASTE);
+	EXPECT_TRUE(HandleFileMessage(&command, &source, &folder, nullptr));
+	EXPECT_TRUE(AllEnded());
+	EXPECT_EQ(tree.List("to"), Names({"a"}));
 }
 
 TEST(DeleteFile, RemovesOrThrowsAwayUnderAFreeName)
