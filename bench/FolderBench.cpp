@@ -4,7 +4,9 @@
 // is painted, and sorts it by each column. Beside it the bare work: getdents64, one statx for each
 // and one sort. `--long`: a million files as well, which must not cost more for each.
 
+#include "bench/BenchWindow.h"
 #include "bench/Figure.h"
+#include "bench/TempFolder.h"
 
 #include "app/Messages.h"
 #include "panes/ItemColumns.h"
@@ -12,24 +14,14 @@
 #include "panes/ItemView.h"
 
 #include <app/Application.h>
-#include <app/Messenger.h>
-#include <interface/Window.h>
-#include <kernel/OS.h>
-#include <storage/Entry.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
-#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
-
-[[maybe_unused]] static const int sOffscreen = setenv("QT_QPA_PLATFORM", "offscreen", 1);
 
 namespace {
 
@@ -45,14 +37,9 @@ const char* const kSuffixes[] = {".txt", ".c", ".h", ".cpp", ".md", ".json", ".h
 const char* const kWords[] = {"report", "Invoice", "photo", "notes", "draft", "backup", "index",
 	"Summary", "data", "test", "module", "scan", "letter", "config", "archive"};
 
-struct Folder {
-	explicit Folder(int files) : count(files)
+struct Folder : TempFolder {
+	explicit Folder(int files) : TempFolder("folder"), count(files)
 	{
-		path = std::filesystem::temp_directory_path() / "bench-folder-XXXXXX";
-		if (mkdtemp(path.data()) == nullptr) {
-			perror(path.c_str());
-			exit(1);
-		}
 		const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 		uint32 random = 12345;
 		for (int i = 0; i < files; i++) {
@@ -72,17 +59,8 @@ struct Folder {
 		}
 		close(folder);
 	}
-	~Folder() { std::filesystem::remove_all(path); }
-
-	std::string path;
 	int count;
 };
-
-double
-Milliseconds(bigtime_t start)
-{
-	return static_cast<double>(system_time() - start) / 1000;
-}
 
 double
 OpenBare(const Folder& folder)
@@ -115,24 +93,15 @@ OpenBare(const Folder& folder)
 	return Milliseconds(start);
 }
 
-class Window : public BWindow {
+class Window : public BenchWindow {
 public:
-	explicit Window(entry_ref* folder) :
-		BWindow(BRect(50, 75, 1050, 775), "folder", B_TITLED_WINDOW, 0)
+	explicit Window(entry_ref folder) : BenchWindow(BRect(50, 75, 1050, 775), "folder")
 	{
-		fPane = new ItemView(Bounds(), folder);
+		fPane = new ItemView(Bounds(), &folder);
 		AddChild(fPane);
 		fList = dynamic_cast<ItemListView*>(FindView("itemlist"));
 		Show();
 		WaitForPicture();
-	}
-
-	void MessageReceived(BMessage* message) override
-	{
-		if (message->what == 'sync')
-			message->SendReply(B_REPLY);
-		else
-			BWindow::MessageReceived(message);
 	}
 
 	double Open(const entry_ref& ref)
@@ -157,33 +126,9 @@ public:
 	int32 CountRows() const { return fList->CountItems(); }
 
 private:
-	// The window keeps its lock until it has painted.
-	void WaitForPicture()
-	{
-		for (int i = 0; i < 2; i++) {
-			BMessage sync('sync'), reply;
-			BMessenger(this).SendMessage(&sync, &reply);
-			Lock();
-			Unlock();
-		}
-	}
-
 	ItemView* fPane;
 	ItemListView* fList;
 };
-
-// Of this process, in bytes.
-double
-Memory()
-{
-	std::ifstream file("/proc/self/smaps_rollup");
-	std::string word;
-	double kilobytes = 0;
-	while (file >> word && word != "Pss:") {
-	}
-	file >> kilobytes;
-	return kilobytes * 1024;
-}
 
 struct Figures {
 	double bare = 0; // ms
@@ -195,8 +140,7 @@ struct Figures {
 Figures
 Measure(Window& window, const entry_ref& empty, const Folder& folder)
 {
-	entry_ref ref;
-	get_ref_for_path(folder.path.c_str(), &ref);
+	const entry_ref ref = folder.Ref();
 	Figures figures;
 	OpenBare(folder);
 	const double before = Memory();
@@ -233,9 +177,8 @@ main(int argc, char** argv)
 {
 	BApplication app("application/x-vnd.Tav-Korva");
 	const Folder none(0);
-	entry_ref empty;
-	get_ref_for_path(none.path.c_str(), &empty);
-	Window* window = new Window(&empty);
+	const entry_ref empty = none.Ref();
+	Window* window = new Window(empty);
 	Figures figures;
 	{
 		const Folder folder(100000);

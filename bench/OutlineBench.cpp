@@ -4,7 +4,10 @@
 // and how long a folder of 10,000 sub-folders takes to open. Beside it keys in a tree at rest, and
 // reading the names and a status of each. `TMPDIR` chooses the file system.
 
+#include "bench/BenchWindow.h"
 #include "bench/Figure.h"
+#include "bench/TempFolder.h"
+#include "bench/User.h"
 
 #include "app/Messages.h"
 #include "panes/FileListView.h"
@@ -12,18 +15,9 @@
 #include "panes/OutlineView.h"
 
 #include <app/Application.h>
-#include <app/Messenger.h>
-#include <interface/Window.h>
-#include <kernel/OS.h>
 #include <storage/Directory.h>
-#include <storage/Entry.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <set>
-#include <string>
-
-[[maybe_unused]] static const int sOffscreen = setenv("QT_QPA_PLATFORM", "offscreen", 1);
 
 namespace {
 
@@ -33,23 +27,14 @@ constexpr int kBranches = 100;       // folders in a folder, twice; and one in e
 constexpr int kFolders = kBranches + 2 * kBranches * kBranches;
 constexpr int kWide = 10000;
 constexpr int kKeysAtRest = 300;
+constexpr int kStretch = 25;         // rows, of those that are seen at once
+constexpr uint32 kMark = 0xff000000; // behind the name of the selected row
 constexpr int kRuns = 5;
 constexpr bigtime_t kPatience = 60000000; // us
 
-double
-Milliseconds(bigtime_t start)
-{
-	return static_cast<double>(system_time() - start) / 1000;
-}
-
-struct Folders {
-	Folders()
+struct Folders : TempFolder {
+	Folders() : TempFolder("outline")
 	{
-		path = std::filesystem::temp_directory_path() / "bench-outline-XXXXXX";
-		if (mkdtemp(path.data()) == nullptr) {
-			perror(path.c_str());
-			exit(1);
-		}
 		for (int i = 0; i < kBranches * kBranches; i++) {
 			const std::string folder =
 				"/tree/" + std::to_string(i / kBranches) + "/" + std::to_string(i % kBranches);
@@ -58,21 +43,11 @@ struct Folders {
 		for (int i = 0; i < kWide; i++)
 			std::filesystem::create_directories(path + "/all/wide/" + std::to_string(i));
 	}
-	~Folders() { std::filesystem::remove_all(path); }
-
-	entry_ref Ref(const char* name) const
-	{
-		entry_ref ref;
-		get_ref_for_path((path + "/" + name).c_str(), &ref);
-		return ref;
-	}
-
-	std::string path;
 };
 
-class Window : public BWindow {
+class Window : public BenchWindow {
 public:
-	explicit Window(entry_ref root) : BWindow(BRect(50, 75, 350, 775), "tree", B_TITLED_WINDOW, 0)
+	explicit Window(entry_ref root) : BenchWindow(BRect(50, 75, 350, 775), "tree")
 	{
 		fPane = new OutlineView(Bounds(), &root);
 		AddChild(fPane);
@@ -83,40 +58,14 @@ public:
 		WaitForPicture();
 	}
 
-	void MessageReceived(BMessage* message) override
+	// Below the root.
+	User SomeUser()
 	{
-		switch (message->what) {
-			case 'sync':
-				message->SendReply(B_REPLY);
-				break;
-			case 'down': {
-				const char key = B_DOWN_ARROW;
-				fList->KeyDown(&key, 1);
-				break;
-			}
-			default:
-				BWindow::MessageReceived(message);
-		}
-	}
-
-	// The window keeps its lock until it has painted.
-	void WaitForPicture()
-	{
-		for (int i = 0; i < 2; i++) {
-			BMessage sync('sync'), reply;
-			BMessenger(this).SendMessage(&sync, &reply);
-			Lock();
-			Unlock();
-		}
-	}
-
-	// From the key to the picture with another row selected.
-	double PressKey()
-	{
-		const bigtime_t start = system_time();
-		PostMessage('down');
+		Lock();
+		fList->Select(1);
+		Unlock();
 		WaitForPicture();
-		return Milliseconds(start);
+		return User(Title(), kMark);
 	}
 
 	void SetRoot(entry_ref root)
@@ -203,12 +152,23 @@ bool
 MeasureKeys(Window& window, const Folders& folders)
 {
 	std::vector<double> rest, busy;
+	const User user = window.SomeUser();
+	int keys = 0;
+	// To the next row and, after a while, back again.
+	auto pressKey = [&] {
+		const User::Rows before = user.Selected();
+		const bool down = keys++ / kStretch % 2 == 0;
+		return user.Press(down ? B_DOWN_ARROW : B_UP_ARROW, [&](const User::Rows& rows) {
+			return rows.size() == 1 && (down ? rows > before : rows < before);
+		});
+	};
 	for (int i = 0; i < kKeysAtRest; i++)
-		rest.push_back(window.PressKey());
+		rest.push_back(pressKey());
+	keys = 0;
 	window.SetRoot(folders.Ref("tree"));
 	const bigtime_t start = system_time();
 	while (window.ScanMore() && system_time() - start < kPatience)
-		busy.push_back(window.PressKey());
+		busy.push_back(pressKey());
 	const double filled = Milliseconds(start);
 	if (window.CountFolders() != kFolders) {
 		fprintf(stderr, "%d folders of %d\n", window.CountFolders(), kFolders);

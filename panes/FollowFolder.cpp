@@ -42,7 +42,7 @@ ItemView::Watch()
 {
 	gUpdateTolerance = 0;
 	// Of a link to a folder it is the folder that changes.
-	status_t status = fDirectory.SetTo(&fFolder);
+	status_t status = fDirectory.InitCheck();
 	if (status == B_OK)
 		status = fDirectory.GetNodeRef(&fWatched);
 	if (status == B_OK)

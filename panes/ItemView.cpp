@@ -88,9 +88,11 @@ ItemView::SetFolder(entry_ref* ref, bool force)
 			return;
 		Unwatch();
 		fFolder = *ref;
+		fDirectory.SetTo(&fFolder);
 		Watch(); // before the folder is listed: what happens in between is told, not lost
 	}
-	if (fDirectory.SetTo(&fFolder) != B_OK)
+	// Not opened by its name again, which may be another folder's by now.
+	if (fDirectory.InitCheck() != B_OK)
 		return;
 	fList->Display(&fFolder, fDirectory);
 	fIsDisordered = false;

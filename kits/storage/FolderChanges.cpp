@@ -128,6 +128,24 @@ FolderChanges::EndListing(std::shared_ptr<const DirectorySnapshot> listing)
 	}
 }
 
+void
+FolderChanges::MarkDoubts(const DirectorySnapshot& listing, bigtime_t now)
+{
+	std::vector<std::string> doubts;
+	fKnown.ForEach([&](const char* name) {
+		if (listing.Find(name) == nullptr)
+			doubts.push_back(name);
+	});
+	for (size_t i = 0; i < listing.Count(); i++) {
+		const dirent64& entry = listing.At(i);
+		std::optional<FileIdentity> known = fKnown.Find(entry.d_name);
+		if (!known || known->node != entry.d_ino)
+			doubts.push_back(entry.d_name);
+	}
+	for (const std::string& name : doubts)
+		Mark(name, kEntry | kDoubtful, now);
+}
+
 bigtime_t
 FolderChanges::NextDue() const
 {
@@ -180,6 +198,15 @@ FolderChanges::Examine(MentionMap::iterator mentioned, ChangeBatch* batch)
 	}
 	std::optional<FileIdentity> known = fKnown.Find(name);
 	std::optional<FileIdentity> present = IdentityAt(fFolder->Descriptor(), name.c_str());
+	if ((mention.what & kDoubtful) != 0) {
+		// Whatever the target has of that name goes.
+		FileIdentity any;
+		any.node = static_cast<ino_t>(-1);
+		batch->departures.push_back({this, name, any, 0});
+		if (present)
+			batch->arrivals.push_back({this, name, *present, 0});
+		return;
+	}
 	if (known && present && known->Matches(*present)) {
 		TellStatus(name, known->node, mention.what, batch);
 		return;

@@ -58,7 +58,8 @@ public:
 		kEntry = 1,     // it may be there, or not, or be another file
 		kMovedAway = 2, // it may have another place
 		kStatus = 4,
-		kAttributes = 8
+		kAttributes = 8,
+		kDoubtful = 16 // nobody can say what the target takes it for
 	};
 
 	// Knows nothing until a listing was given. `flags` are B_WATCH_*.
@@ -80,11 +81,17 @@ public:
 	const FolderHandle& Parent() const { return fParent; } // NULL when removed, or of "/"
 	const std::string& Name() const { return fName; }
 
+	// Whether the next listing by the target's thread is the target's own: the first one after it
+	// asked to watch. Later ones may be anybody's.
+	void SetAwaitsListing(bool awaits) { fAwaitsListing = awaits; }
+	bool AwaitsListing() const { return fAwaitsListing; }
 	// Between these two nothing is collected, for the target lists the folder. The listing is NULL
 	// when that failed.
 	void BeginListing() { fIsBeingListed = true; }
 	bool IsBeingListed() const { return fIsBeingListed; }
 	void EndListing(std::shared_ptr<const DirectorySnapshot> listing);
+	// The target may know this listing, or not: what differs is told so that it is right for both.
+	void MarkDoubts(const DirectorySnapshot& listing, bigtime_t now);
 	// The listing that the target knows, if it is from just now and nothing has happened since.
 	std::shared_ptr<const DirectorySnapshot> FreshListing(bigtime_t now) const;
 
@@ -119,6 +126,7 @@ private:
 	KnownNames fKnown;
 	std::shared_ptr<const DirectorySnapshot> fListing; // while nothing has happened since
 	bigtime_t fListed = 0;                             // system_time() of it
+	bool fAwaitsListing = false;
 	bool fIsBeingListed = false;
 	MentionMap fMentions;
 	std::map<std::pair<bigtime_t, int64>, std::string> fSchedule; // of the mentions, by due time

@@ -153,6 +153,7 @@ FolderMonitor::Watch(const node_ref& node, uint32 flags, std::unique_ptr<NoticeT
 	const bool listedBefore = !isNew && (changes->Flags() & B_WATCH_DIRECTORY) != 0;
 	changes->SetFlags(flags);
 	status = UpdateKernelWatch(folder);
+	changes->SetAwaitsListing(true);
 	if (status == B_OK && !listedBefore && (flags & B_WATCH_DIRECTORY) != 0) {
 		// After the watch began: what happens meanwhile will show as a difference.
 		auto listing = std::make_shared<DirectorySnapshot>();
@@ -310,23 +311,34 @@ FolderMonitor::List(const FolderHandle& folder, std::shared_ptr<const DirectoryS
 		std::lock_guard<std::mutex> lock(fLock);
 		ReadEvents(system_time());
 		WakeUp(); // for what has happened elsewhere
-		for (Receiver* receiver : OfCallingThread(node)) {
-			FolderChanges* changes = receiver->Find(node);
-			*listing = changes->FreshListing(system_time());
-			if (*listing != nullptr)
-				return B_OK;
-			changes->BeginListing();
-			isWatched = true;
+		const std::vector<Receiver*> receivers = OfCallingThread(node);
+		for (Receiver* receiver : receivers) {
+			if (*listing == nullptr)
+				*listing = receiver->Find(node)->FreshListing(system_time());
 		}
+		for (Receiver* receiver : receivers) {
+			FolderChanges* changes = receiver->Find(node);
+			if (*listing == nullptr && changes->AwaitsListing())
+				changes->BeginListing();
+			changes->SetAwaitsListing(false);
+		}
+		if (*listing != nullptr)
+			return B_OK;
+		isWatched = !receivers.empty();
 	}
 	auto snapshot = std::make_shared<DirectorySnapshot>();
 	status_t status = snapshot->Read(folder->Descriptor());
 	if (isWatched) {
 		std::lock_guard<std::mutex> lock(fLock);
 		for (Receiver* receiver : OfCallingThread(node)) {
-			if (status == B_OK)
-				TakeBack(*receiver, node);
-			receiver->Find(node)->EndListing(status == B_OK ? snapshot : nullptr);
+			FolderChanges* changes = receiver->Find(node);
+			if (changes->IsBeingListed()) {
+				if (status == B_OK)
+					TakeBack(*receiver, node);
+				changes->EndListing(status == B_OK ? snapshot : nullptr);
+			} else if (status == B_OK) {
+				changes->MarkDoubts(*snapshot, system_time());
+			}
 		}
 		WakeUp();
 	}

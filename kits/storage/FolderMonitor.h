@@ -43,8 +43,9 @@ public:
 	status_t Stop(const node_ref& node, const NoticeTarget& target);
 	status_t StopAll(const NoticeTarget& target);
 
-	// Lists an open folder. When the calling thread is one of a target that watches it, what is
-	// listed is what the target knows from then on.
+	// Lists an open folder into an empty pointer. The first listing by a target's thread after it
+	// asked to watch the folder is what the target knows from then on. Of later ones nobody can say
+	// whether the target knows them: it is told of the differences.
 	status_t List(const FolderHandle& folder, std::shared_ptr<const DirectorySnapshot>* listing);
 
 	// False as long as nobody ever watched anything. Without the lock.

@@ -13,7 +13,9 @@
 // The names tell hard links apart, and "node" is -1 of what was gone before anybody could look.
 // They say how what the target knows of the folder differs from what is there now: a file that
 // came and went at once is not told of. What the target knows is what it was told, from what was
-// there when it asked to watch, or when its thread last listed the folder with a BDirectory.
+// there when it asked to watch, or at the first listing by its thread with a BDirectory after that.
+// Later listings there may be somebody else's: how they differ from what the target knew is told,
+// of each such name a removal and what is there now. To list a folder anew, watch it anew before.
 //
 // A target has at most 64 messages waiting; what else happens meanwhile is merged for each name.
 // Changes of one entry's status or attributes are told at most once in 250 ms, the last one always.

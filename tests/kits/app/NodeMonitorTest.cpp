@@ -19,6 +19,9 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <mutex>
+#include <random>
+#include <set>
+#include <unistd.h>
 
 namespace {
 
@@ -55,6 +58,22 @@ public:
 		return fListed;
 	}
 	int Lists() const { return fLists; }
+	void Forget()
+	{
+		std::lock_guard lock(fLock);
+		fTold.clear();
+	}
+	// What somebody knows of the folder who knew these names before the notices.
+	std::set<std::string> Follow(std::set<std::string> names) const
+	{
+		for (const std::string& told : Told()) {
+			const size_t move = told.find('>');
+			names.erase(told[0] == '-' ? told.substr(1) : told.substr(0, move));
+			if (told[0] != '-')
+				names.insert(told.substr(move == std::string::npos ? 1 : move + 1));
+		}
+		return names;
+	}
 
 private:
 	static std::string Text(const BMessage& message)
@@ -210,6 +229,48 @@ TEST_F(NodeMonitorTest, WhatTheLooperListsIsNotToldAgain)
 			if (name[0] == 'n')
 				tree.Remove("shown/" + name);
 		}
+	}
+}
+
+// Whoever lists the folder in the looper's thread may be the target or not: both get it right.
+TEST_F(NodeMonitorTest, ListingsOfOthersInTheThreadLoseNothing)
+{
+	std::mt19937 random(3);
+	auto change = [&] {
+		for (int i = 0; i < 4; i++) {
+			const std::string path = tree.Path("shown/" + std::to_string(random() % 6));
+			const std::string other = tree.Path("shown/" + std::to_string(random() % 6));
+			if (const size_t what = random() % 4; what == 0)
+				unlink(path.c_str());
+			else if (what == 1)
+				rename(path.c_str(), other.c_str());
+			else
+				std::ofstream(path) << 'x';
+		}
+		usleep(random() % 2 * 8000); // the monitor has read of it, or not
+	};
+	ASSERT_EQ(Watch("shown", B_WATCH_DIRECTORY), B_OK);
+	looper->PostMessage(kList, watcher);
+	ASSERT_TRUE(WaitUntil([&] { return watcher->Lists() == 1; }));
+	std::set<std::string> target{"a", "b"};
+	for (int round = 0; round < 60 && !HasFailure(); round++) {
+		watcher->Forget();
+		looper->Lock();
+		change();
+		std::set<std::string> other;
+		BDirectory folder = tree.Folder("shown");
+		entry_ref ref;
+		while (folder.GetNextRef(&ref) == B_OK)
+			other.insert(ref.name);
+		change();
+		looper->Unlock();
+		EXPECT_TRUE(WaitUntil([&] {
+			const std::vector<std::string> names = tree.List("shown");
+			const std::set<std::string> present(names.begin(), names.end());
+			return watcher->Follow(target) == present && watcher->Follow(other) == present;
+		})) << "round "
+			<< round;
+		target = watcher->Follow(target);
 	}
 }
 
