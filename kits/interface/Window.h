@@ -151,6 +151,7 @@ private:
 	std::unique_ptr<BView> fTop;                       // covers the window and holds its children
 	BView* fFocus = nullptr;
 	BView* fMouseView = nullptr;        // under the pointer at the last move
+	bool fMouseDrags = false;           // the last move came with a drag
 	BView* fCaptureView = nullptr;      // asked for all mouse events until the release
 	std::optional<uint32> fDropButtons; // while a drop is handled
 	BButton* fDefaultButton = nullptr;

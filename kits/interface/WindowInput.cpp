@@ -255,7 +255,9 @@ BWindow::_MouseMoved(BMessage* message, BView* target)
 	BView* under = message->HasBool("left") ? nullptr : target;
 	if (under != nullptr && under == capture && FindView(where) != under)
 		under = nullptr; // the captor stands in for nobody
-	uint32 transit = B_INSIDE_VIEW;
+	// A drag that begins comes into the view where the pointer already is.
+	const bool begins = !std::exchange(fMouseDrags, drag != nullptr) && drag != nullptr;
+	uint32 transit = begins ? B_ENTERED_VIEW : B_INSIDE_VIEW;
 	BView* left = fMouseView;
 	if (under != left) {
 		fMouseView = under;

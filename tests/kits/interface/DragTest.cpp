@@ -151,7 +151,7 @@ protected:
 		return message;
 	}
 
-	// Presses in the left view and waits until the drag has begun.
+	// Presses in the left view and waits until the drag has begun, which enters the view anew.
 	void Begin(InjectedUser& user, uint32 button = B_PRIMARY_MOUSE_BUTTON)
 	{
 		user.AllowDrags();
@@ -161,7 +161,7 @@ protected:
 		ASSERT_TRUE(WaitUntil([&] {
 			user.Move(12, 10);
 			first->Settle();
-			return notes.Has("left inside with hello");
+			return notes.Has("left entered with hello");
 		}));
 		notes.Taken();
 	}
