@@ -34,17 +34,18 @@ import os, random, sys, time
 random.seed(int(sys.argv[1]))
 folder, outside, steps = sys.argv[2], sys.argv[3], int(sys.argv[4])
 out = 0
+names = [f'f{i}' for i in range(10)] + ['n' * 255, '\udcff\n'] # the last ones as they may be
 def write(path, mode):
     with open(path, mode) as file:
         file.write('x' * random.randrange(100))
 for _ in range(steps):
-    path = f'{folder}/f{random.randrange(12)}'
-    other = f'{folder}/f{random.randrange(12)}'
+    path = f'{folder}/{random.choice(names)}'
+    other = f'{folder}/{random.choice(names)}'
     try:
         step = random.randrange(12)
         if step == 0: write(path, 'w')
         elif step == 1: write(path, 'a')
-        elif step == 2: os.symlink(f'f{random.randrange(12)}', path)
+        elif step == 2: os.symlink(random.choice(names), path)
         elif step in (3, 4): os.rename(path, other)
         elif step == 5:
             out += 1
@@ -311,6 +312,23 @@ TEST_F(FollowFolder, TheFolderItselfMayBeALinkMoveAndGo)
 	tree.Add("shown/reborn", Text());
 	it.Do([&] { it.pane->Refresh(); });
 	EXPECT_EQ(it.Names(), std::vector<std::string>{"reborn"});
+}
+
+TEST_F(FollowFolder, PathsMayBeLongerThanTheSystemTakes)
+{
+	std::string deep = "shown";
+	for (int i = 0; i < 30; i++)
+		deep += "/" + std::string(200, static_cast<char>('a' + i % 26));
+	tree.Add(deep + "/old", Text("x"));
+	const entry_ref ref = tree.Ref(deep);
+	Show(ref);
+	EXPECT_EQ(it.Names(), std::vector<std::string>{"old"});
+	tree.Add(deep + "/new", Text("y"));
+	tree.Rename(deep + "/old", deep + "/older");
+	ExpectSameAsDisk(it, ref);
+	tree.Remove(deep + "/new");
+	ExpectSameAsDisk(it, ref);
+	EXPECT_EQ(it.Names(), std::vector<std::string>{"older"});
 }
 
 TEST_F(FollowFolder, ABurstIsShownTogetherAndTheSelectionStays)
