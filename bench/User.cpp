@@ -22,9 +22,8 @@ namespace {
 
 constexpr int kLeastMark = 13; // pixels from top to bottom
 constexpr int kMostMark = 20;
-constexpr int kLeft = 10; // where names are, and how often one looks from there to the right
+constexpr int kLeft = 10; // where names are
 constexpr int kWidth = 160;
-constexpr int kStep = 4;
 constexpr bigtime_t kInterval = 1000;
 
 int
@@ -79,12 +78,17 @@ User::Selected() const
 					.convertToFormat(QImage::Format_RGB32);
 	});
 	std::set<int> tops;
-	for (int x = 0; x < image.width(); x += kStep) {
-		for (int y = 0, length = 0; y <= image.height(); y++) {
-			const bool marked = y < image.height() && image.pixel(x, y) == fMark;
-			if (!marked && length >= kLeastMark && length <= kMostMark)
+	std::vector<int> lengths(static_cast<size_t>(image.width())); // of the runs so far
+	for (int y = 0; y < image.height(); y++) {
+		const QRgb* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+		for (int& length : lengths) {
+			if (*line++ == fMark) {
+				length++;
+				continue;
+			}
+			if (length >= kLeastMark && length <= kMostMark)
 				tops.insert(y - length);
-			length = marked ? length + 1 : 0;
+			length = 0;
 		}
 	}
 	return Rows(tops.begin(), tops.end());

@@ -5,6 +5,7 @@
 #include "panes/ItemListItem.h"
 #include "panes/ItemView.h"
 #include "panes/ReadRows.h"
+#include "support/dprint.h"
 
 #include <support/List.h>
 
@@ -14,6 +15,7 @@
 // So many rows that have left are kept until the list is filled anew: files may come and go in a
 // folder that is shown for days.
 static constexpr size_t kMostAside = 100000;
+static constexpr uint32 kDebugLevel = 6;
 
 ItemListView::ItemListView(BRect frame, BScrollView** container) :
 	FileListView(frame, container, "itemlist", B_MULTIPLE_SELECTION_LIST, false)
@@ -58,7 +60,7 @@ ItemListView::DeleteRows()
 	fComing.clear();
 	fGoing.clear();
 	fAside.clear();
-	fHasUpdates = false;
+	fUpdated.clear();
 }
 
 void
@@ -71,6 +73,7 @@ ItemListView::Display(entry_ref* ref, BDirectory& folder)
 	SetParentRef(ref);
 	ScrollTo(BPoint(0, 0));
 	ItemRows rows = ReadRows(folder);
+	Debug.StdOut(kDebugLevel, "%d Items\n", static_cast<int>(rows.size()));
 	BList items(static_cast<int32>(rows.size()));
 	for (std::unique_ptr<ItemListItem>& row : rows)
 		items.AddItem(static_cast<CLVListItem*>(row.release()));
@@ -157,14 +160,14 @@ ItemListView::Reread(ItemListItem* row, const entry_ref* ref)
 	entry_ref place = ref != nullptr ? *ref : entry_ref();
 	row->UpdateItem(ref != nullptr ? &place : nullptr);
 	fIndex.Add(row);
-	fHasUpdates = true;
-	InvalidateItem(IndexOf(row));
+	fUpdated.insert(row);
 }
 
 void
 ItemListView::TakeOut(ItemListItem* row)
 {
 	fIndex.Remove(row);
+	fUpdated.erase(row);
 	auto coming = std::find_if(fComing.begin(), fComing.end(),
 		[row](const std::unique_ptr<ItemListItem>& each) { return each.get() == row; });
 	if (coming != fComing.end())
@@ -173,10 +176,26 @@ ItemListView::TakeOut(ItemListItem* row)
 		fGoing.push_back(row);
 }
 
+// Looks at what is seen only: to find where each row is would mean to walk them all each time.
+void
+ItemListView::DrawUpdated()
+{
+	const BRect bounds = Bounds();
+	const int32 first = std::max(BListView::IndexOf(bounds.LeftTop()), 0);
+	for (int32 i = first; !fUpdated.empty() && i < CountItems(); i++) {
+		if (ItemFrame(i).top > bounds.bottom)
+			break;
+		if (fUpdated.count(RowAt(i)) != 0)
+			InvalidateItem(i);
+	}
+	fUpdated.clear();
+}
+
 bool
 ItemListView::ApplyChanges()
 {
-	const bool disordered = !fComing.empty() || std::exchange(fHasUpdates, false);
+	const bool disordered = !fComing.empty() || !fUpdated.empty();
+	DrawUpdated();
 	if (!fGoing.empty()) {
 		RemoveRows(fGoing);
 		for (CLVListItem* row : fGoing)

@@ -13,6 +13,7 @@
 
 #include <deque>
 #include <memory>
+#include <unordered_set>
 #include <vector>
 
 class BDirectory;
@@ -51,13 +52,14 @@ private:
 	RowIndex& Index();
 	void Reread(ItemListItem* row, const entry_ref* ref);
 	void TakeOut(ItemListItem* row);
+	void DrawUpdated();
 
 	RowIndex fIndex;         // of the rows that are or will be shown
 	bool fIsIndexed = false; // it is made for the first change of a folder
 	std::vector<std::unique_ptr<ItemListItem>> fComing; // not in the list yet
 	std::vector<CLVListItem*> fGoing;                   // still in the list
-	bool fHasUpdates = false;
-	entry_ref fShown; // of the rows
+	std::unordered_set<const CLVListItem*> fUpdated;    // that are or will be in the list
+	entry_ref fShown;                                   // of the rows
 	// Somebody may still have a pointer to a row that has just left.
 	std::deque<std::unique_ptr<ItemListItem>> fAside;
 };

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstring>
 #include <fcntl.h>
+#include <string>
 
 namespace BPrivate {
 
@@ -39,8 +40,13 @@ DirectorySnapshot::Read(int folder)
 {
 	fItems.clear();
 	fBlocks.clear();
-	FileDescriptor descriptor(
-		Retry([&] { return openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+	constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+	FileDescriptor descriptor(Retry([&] { return openat(folder, ".", kFlags); }));
+	if (!descriptor.IsOpen() && errno == EACCES) {
+		// Who may list it without searching it cannot look up "." in it.
+		const std::string path = "/proc/self/fd/" + std::to_string(folder);
+		descriptor = FileDescriptor(Retry([&] { return open(path.c_str(), kFlags); }));
+	}
 	status_t status = descriptor.IsOpen() ? ReadBlocks(descriptor.Get()) : StatusFromErrno(errno);
 	if (status != B_OK) {
 		fItems.clear();

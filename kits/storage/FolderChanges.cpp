@@ -131,6 +131,8 @@ FolderChanges::EndListing(std::shared_ptr<const DirectorySnapshot> listing)
 void
 FolderChanges::MarkDoubts(const DirectorySnapshot& listing, bigtime_t now)
 {
+	if (fKnown.IsAsListed(listing))
+		return;
 	std::vector<std::string> doubts;
 	fKnown.ForEach([&](const char* name) {
 		if (listing.Find(name) == nullptr)

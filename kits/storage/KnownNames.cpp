@@ -2,6 +2,7 @@
 
 #include <storage/KnownNames.h>
 
+#include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -94,6 +95,20 @@ KnownNames::Find(const std::string& name) const
 	identity.type = entry->d_type;
 	identity.bornBefore = fListingTime;
 	return identity;
+}
+
+bool
+KnownNames::IsAsListed(const DirectorySnapshot& listing) const
+{
+	if (fListing == nullptr || !fChanged.empty() || fListing->Count() != listing.Count())
+		return false;
+	for (size_t i = 0; i < listing.Count(); i++) {
+		const dirent64& known = fListing->At(i);
+		const dirent64& listed = listing.At(i);
+		if (known.d_ino != listed.d_ino || strcmp(known.d_name, listed.d_name) != 0)
+			return false;
+	}
+	return true;
 }
 
 } // namespace BPrivate

@@ -46,6 +46,8 @@ public:
 	void Forget(const std::string& name);
 
 	std::optional<FileIdentity> Find(const std::string& name) const;
+	// Whether a listing tells nothing else than the one that was given. Fast, without look-ups.
+	bool IsAsListed(const DirectorySnapshot& listing) const;
 
 	// Calls `visit` with every known name, in no order. It must not change anything here.
 	template <typename Visit>

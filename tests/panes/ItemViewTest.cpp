@@ -8,39 +8,27 @@
 
 #include "tests/support/Denied.h"
 #include "tests/support/LongRun.h"
+#include "tests/support/MountNamespace.h"
+#include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <fcntl.h>
+#include <fstream>
+#include <optional>
 #include <set>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <thread>
 #include <unistd.h>
 
-TEST(ItemView, OpensSortedByNameInSevenColumns)
+TEST(ItemView, OpensSortedByName)
 {
 	TempTree tree{{"b", Text()}, {"C", Text()}, {"a", Dir()}, {"A", Text()}};
 	ItemListWindow it(tree);
 	// Equal but for case: in byte order, as they were read.
 	EXPECT_EQ(it.Names(), (std::vector<std::string>{"A", "a", "b", "C"}));
-	const std::vector<const char*> labels = {
-		"", "Filename", "Kind", "Size", "Permissions", "Modified", "Created"};
-	const std::vector<float> widths = {20, 65, 52, 32, 30, 70, 70};
-	ASSERT_EQ(it.list->CountColumns(), 7);
-	for (int32 i = 0; i < 7; i++) {
-		const CLVColumn* column = it.list->ColumnAt(i);
-		EXPECT_STREQ(column->Label(), labels[static_cast<size_t>(i)]);
-		EXPECT_EQ(
-			column->Width(), widths[static_cast<size_t>(i)]); // the first is raised to the least
-		EXPECT_EQ(column->Flags(), i == 0 ? CLV_COLUMN_NOT_RESIZABLE : CLV_COLUMN_SORTABLE);
-	}
-	int32 keys[8];
-	CLVSortMode modes[8];
-	ASSERT_EQ(it.list->Sorting(keys, modes), 1);
-	EXPECT_EQ(keys[0], kNameColumn);
-	EXPECT_EQ(modes[0], CLV_SORT_ASCENDING);
 	it.Do([&] { it.list->ReverseSortMode(kNameColumn); });
 	EXPECT_EQ(it.Names(), (std::vector<std::string>{"C", "b", "A", "a"}));
 }
@@ -66,23 +54,101 @@ TEST(ItemView, ReadsAFolderAgainOnlyWhenForced)
 	EXPECT_EQ(it.Names(), (std::vector<std::string>{"1", "more"}));
 }
 
-TEST(ItemView, ShowsEntriesThatCannotBeRead)
+// Neither waits for somebody at the other end of a pipe nor goes round in a circle.
+TEST(ItemView, ShowsEntriesAndFoldersThatCannotBeRead)
 {
 	TempTree tree{{"broken", Link("none")}, {"loop", Link("loop")}, {"self", Link(".")},
-		{"secret", Text("x").Mode(0)}, {"closed/inside", Text()}, {"\xff\n", Text()}};
-	ASSERT_EQ(mkfifo((tree.Path() + "/pipe").c_str(), 0600), 0);
-	const int device = mknod((tree.Path() + "/null").c_str(), S_IFCHR | 0600, makedev(1, 3));
+		{"secret", Text("x").Mode(0)}, {"\xff\n", Text()}, {std::string(255, 'n'), Text()},
+		{"closed/inside", Text()}, {"no search/inside", Text()}, {"no list/inside", Text()}};
+	const int folder = open(tree.Path().c_str(), O_PATH | O_CLOEXEC);
+	EXPECT_EQ(mknodat(folder, "pipe", S_IFIFO | 0600, 0), 0);
+	EXPECT_EQ(mknodat(folder, "socket", S_IFSOCK | 0600, 0), 0);
+	mknodat(folder, "null", S_IFCHR | 0600, makedev(1, 3)); // root only
+	close(folder);
 	tree.SetMode(".", 0755);
 	tree.SetMode("closed", 0);
-	entry_ref closed = tree.Ref("closed");
-	{
-		const AsNobody nobody;
-		ItemListWindow it(tree);
-		EXPECT_EQ(it.Names().size(), device == 0 ? 8u : 7u);
-		it.Do([&] { it.pane->SetFolder(&closed, false); });
-		EXPECT_TRUE(it.Names().empty());
-	}
-	tree.SetMode("closed", 0700);
+	tree.SetMode("no search", 0444);
+	tree.SetMode("no list", 0111);
+	std::optional<AsNobody> nobody(std::in_place);
+	ItemListWindow it(tree);
+	nobody.reset(); // but the window's thread remains nobody's
+	auto send = [&](BMessage message) {
+		it.window->PostMessage(&message, it.pane);
+		it.window.Settle();
+		return Names(it.Names());
+	};
+	auto show = [&](const char* name) {
+		const entry_ref ref = tree.Ref(name);
+		BMessage message(kMSG_SetFolder);
+		message.AddRef(kName_Folder, &ref);
+		return send(message);
+	};
+	EXPECT_EQ(Names(it.Names()), tree.List());
+	EXPECT_EQ(show("loop"), tree.List()); // the rows stay
+	EXPECT_EQ(show("closed"), Names({}));
+	EXPECT_EQ(show("no list"), Names({}));
+	EXPECT_EQ(show("no search"), Names({"inside"}));
+	EXPECT_EQ(it.list->RowAt(0)->GetINode(), 0);
+	tree.SetMode("no search", 0755);
+	send(BMessage(kMSG_Refresh));
+	EXPECT_NE(it.list->RowAt(0)->GetINode(), 0);
+	EXPECT_EQ(show("self"), tree.List());
+	tree.Add("self/new", Text());
+	EXPECT_TRUE(WaitUntil([&] { return Names(it.Names()) == tree.List(); }));
+	for (const char* name : {"closed", "no search", "no list"})
+		tree.SetMode(name, 0700);
+}
+
+TEST(ItemView, ShowsFoldersThatCannotBeFollowed)
+{
+	if (!InMountNamespace()) // limits are its own, too
+		return;
+	auto allow = [](const std::string& what, int count) {
+		std::ofstream file("/proc/sys/user/max_inotify_" + what);
+		file << count << std::flush;
+		EXPECT_TRUE(file.good());
+	};
+	TempTree tree{{"shown/a", Text()}};
+	testing::internal::CaptureStderr();
+	allow("instances", 0);
+	ItemListWindow it(tree);
+	EXPECT_EQ(it.Names(), Names({"shown"}));
+	allow("instances", 10);
+	allow("watches", 0);
+	entry_ref shown = tree.Ref("shown");
+	it.Do([&] { it.pane->SetFolder(&shown, false); });
+	tree.Add("shown/b", Text());
+	it.Do([&] { it.pane->Refresh(); });
+	EXPECT_EQ(it.Names(), Names({"a", "b"}));
+	const std::string warnings = testing::internal::GetCapturedStderr();
+	size_t count = 0, at = 0;
+	for (const std::string warning = "Warning: Cannot initate node watcher: B_NO_MEMORY";
+		 (at = warnings.find(warning, at)) != std::string::npos; at++)
+		count++;
+	EXPECT_EQ(count, 3u) << warnings;
+	allow("watches", 10);
+	it.Do([&] { it.pane->Refresh(); });
+	tree.Add("shown/c", Text());
+	EXPECT_TRUE(WaitUntil([&] { return it.Names() == Names({"a", "b", "c"}); }));
+}
+
+TEST(ItemView, AVolumeMayGoWhileItIsShown)
+{
+	if (!InMountNamespace())
+		return;
+	TempTree tree{{"volume", Dir()}};
+	std::optional<MemoryVolume> volume(std::in_place, tree.Path("volume"));
+	tree.Add("volume/there", Text());
+	ItemListWindow it(tree);
+	entry_ref ref = tree.Ref("volume");
+	it.Do([&] { it.pane->SetFolder(&ref, false); });
+	volume.reset();                   // out of the tree, as what is pulled out
+	tree.Add("volume/below", Text()); // in the folder that it covered
+	EXPECT_EQ(it.Names(), Names({"there"}));
+	it.Do([&] { it.pane->Refresh(); });
+	EXPECT_EQ(it.Names(), Names({"below"}));
+	tree.Add("volume/more", Text());
+	EXPECT_TRUE(WaitUntil([&] { return it.Names() == Names({"below", "more"}); }));
 }
 
 TEST(ItemView, ShowsFoldersWithoutEntriesAndWindowsWithoutRoom)
