@@ -124,6 +124,21 @@ TEST(Clipboard, FilesOfOthersComeAsRefsToCopyOrMove)
 	}
 }
 
+// All windows wait for the toolkit, which waits for the other program.
+TEST(Clipboard, IsAskedOnceWhenItsOwnerHangs)
+{
+	InjectedUser::PutOnClipboard(
+		{{"application/x-korva-message", ""}, {"x-special/gnome-copied-files", ""},
+			{"text/uri-list", ""}, {"text/plain", ""}},
+		700000);
+	const bigtime_t start = system_time();
+	for (int i = 0; i < 2; i++) {
+		Locked data;
+		EXPECT_TRUE(data->IsEmpty());
+	}
+	EXPECT_LT(system_time() - start, 1400000);
+}
+
 TEST(Clipboard, WhatMeansNothingIsNothing)
 {
 	for (const Texts& texts : {Texts{}, Texts{{"image/png", "x"}}, Texts{{"text/plain", ""}},
