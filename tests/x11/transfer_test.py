@@ -146,14 +146,19 @@ class Transfer(PeerTest):
         wait_until(end.names, "a transfer")
         self.assertEqual(self.outcome(start, end), "moved")
 
+    def drag_from_another_program(self, left):
+        """Three files, by the secondary button; returns their folder."""
+        source = self.new_folder("a", "b", "c")
+        other = self.start_peer(
+            GTK, "other", left, *("file://" + quote(os.path.join(source, name)) for name in "abc"))
+        self.press_on(other, 3)
+        other.wait_for("begin")
+        return source
+
     @unittest.skipUnless(HAS_GTK, "needs python3-gi and gir1.2-gtk-3.0")
     def test_menu_asks_for_each_file_that_another_program_drags(self):
         end, = self.open(400)
-        source = self.new_folder("a", "b", "c")
-        other = self.start_peer(
-            GTK, "other", 100, *("file://" + quote(os.path.join(source, name)) for name in "abc"))
-        self.press_on(other, 3)
-        other.wait_for("begin")
+        source = self.drag_from_another_program(100)
         self.move_onto(end.peer, end.title + ": enter")
         self.let_go()
         last = None
@@ -167,6 +172,26 @@ class Transfer(PeerTest):
         self.assertEqual(os.readlink(end.file("a")), os.path.join(source, "a"))
         self.assertFalse(os.path.islink(end.file("c")))
         self.assertEqual(sorted(os.listdir(source)), ["a", "b", "c"])
+
+    @unittest.skipUnless(HAS_GTK, "needs python3-gi and gir1.2-gtk-3.0")
+    def test_menus_are_cancelled_at_the_end(self):
+        for ending in ("close", "signal"):
+            with self.subTest(ending):
+                target = self.new_folder()
+                korva = self.start(target)
+                korva.steady_picture()
+                left, top, *_ = korva.frame()
+                self.drag_from_another_program(left + 600)
+                for x in range(350, 370):
+                    self.move_to(left + x, top + 300)
+                self.let_go()
+                korva.window("File")
+                if ending == "close":
+                    korva.close()
+                else:
+                    korva.process.send_signal(signal.SIGTERM)
+                self.assert_ends_well(korva)
+                self.assertEqual(os.listdir(target), [])
 
     def test_question_is_answered_while_the_window_lives(self):
         start, end = self.open(100, 400)
