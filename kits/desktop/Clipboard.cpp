@@ -7,6 +7,7 @@
 #include "X11Selection.h"
 
 #include <desktop/GuiThread.h>
+#include <kernel/OS.h>
 #include <support/Errors.h>
 
 #include <QClipboard>
@@ -146,8 +147,11 @@ ReadClipboard(const std::string& format, std::string* bytes)
 		const QMimeData* data = QGuiApplication::clipboard()->mimeData();
 		if (data == nullptr || !HasFormat(*data, format.c_str()))
 			return;
+		const bigtime_t start = system_time();
 		*bytes = BytesOf(*data, format.c_str());
-		status = B_OK;
+		// Qt does not tell why there is nothing.
+		const bool hangs = bytes->empty() && system_time() - start > kClipboardPatience / 2;
+		status = hangs ? B_TIMED_OUT : B_OK;
 	});
 	return asked ? status : B_ERROR;
 }

@@ -5,6 +5,7 @@
 #include "kits/desktop/WindowPeer.h"
 
 #include <desktop/GuiThread.h>
+#include <kernel/OS.h>
 
 #include <private/qdnd_p.h>
 #include <private/qhighdpiscaling_p.h>
@@ -130,7 +131,9 @@ template struct Opened<&QDragManager::m_platformDrag>;
 // QMimeData's own would read lists of files, and write them anew.
 class TextsMimeData : public QMimeData {
 public:
-	explicit TextsMimeData(const InjectedUser::Texts& texts) : fTexts(texts) {}
+	explicit TextsMimeData(const InjectedUser::Texts& texts, bigtime_t delay = 0) :
+		fTexts(texts), fDelay(delay)
+	{}
 
 	QStringList formats() const override
 	{
@@ -143,12 +146,14 @@ public:
 protected:
 	QVariant retrieveData(const QString& format, QMetaType) const override
 	{
+		snooze(fDelay);
 		const auto found = fTexts.find(format.toStdString());
 		return found != fTexts.end() ? QByteArray::fromStdString(found->second) : QVariant();
 	}
 
 private:
 	const InjectedUser::Texts fTexts;
+	const bigtime_t fDelay;
 };
 
 } // namespace
@@ -299,9 +304,9 @@ InjectedUser::DragLeaves()
 }
 
 void
-InjectedUser::PutOnClipboard(const Texts& texts)
+InjectedUser::PutOnClipboard(const Texts& texts, bigtime_t delay)
 {
-	CallGui([&] { QGuiApplication::clipboard()->setMimeData(new TextsMimeData(texts)); });
+	CallGui([&] { QGuiApplication::clipboard()->setMimeData(new TextsMimeData(texts, delay)); });
 }
 
 InjectedUser::Texts

@@ -39,8 +39,9 @@ public:
 	bool Drop(float x, float y, const Texts& texts, uint32 modifiers = 0);
 	void DragLeaves();
 
-	// The clipboard as another program fills and sees it.
-	static void PutOnClipboard(const Texts& texts);
+	// The clipboard as another program fills and sees it. It hands each of the texts out after so
+	// many microseconds.
+	static void PutOnClipboard(const Texts& texts, bigtime_t delay = 0);
 	static Texts Clipboard();
 
 	// In notches, right and down positive.

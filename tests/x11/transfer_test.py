@@ -145,20 +145,20 @@ class Transfer(PeerTest):
         end.wait_for("dropped 1")
         wait_until(end.names, "a transfer")
         self.assertEqual(self.outcome(start, end), "moved")
-        self.drag(start, end, 3)
-        end.peer.window("File")
-        self.display.press("Escape")
-        end.wait_for("dropped 0")
-        self.assertEqual(self.outcome(start, end), "nothing")
+
+    def drag_from_another_program(self, left):
+        """Three files, by the secondary button; returns their folder."""
+        source = self.new_folder("a", "b", "c")
+        other = self.start_peer(
+            GTK, "other", left, *("file://" + quote(os.path.join(source, name)) for name in "abc"))
+        self.press_on(other, 3)
+        other.wait_for("begin")
+        return source
 
     @unittest.skipUnless(HAS_GTK, "needs python3-gi and gir1.2-gtk-3.0")
     def test_menu_asks_for_each_file_that_another_program_drags(self):
         end, = self.open(400)
-        source = self.new_folder("a", "b", "c")
-        other = self.start_peer(
-            GTK, "other", 100, *("file://" + quote(os.path.join(source, name)) for name in "abc"))
-        self.press_on(other, 3)
-        other.wait_for("begin")
+        source = self.drag_from_another_program(100)
         self.move_onto(end.peer, end.title + ": enter")
         self.let_go()
         last = None
@@ -172,6 +172,26 @@ class Transfer(PeerTest):
         self.assertEqual(os.readlink(end.file("a")), os.path.join(source, "a"))
         self.assertFalse(os.path.islink(end.file("c")))
         self.assertEqual(sorted(os.listdir(source)), ["a", "b", "c"])
+
+    @unittest.skipUnless(HAS_GTK, "needs python3-gi and gir1.2-gtk-3.0")
+    def test_menus_are_cancelled_at_the_end(self):
+        for ending in ("close", "signal"):
+            with self.subTest(ending):
+                target = self.new_folder()
+                korva = self.start(target)
+                korva.steady_picture()
+                left, top, *_ = korva.frame()
+                self.drag_from_another_program(left + 600)
+                for x in range(350, 370):
+                    self.move_to(left + x, top + 300)
+                self.let_go()
+                korva.window("File")
+                if ending == "close":
+                    korva.close()
+                else:
+                    korva.process.send_signal(signal.SIGTERM)
+                self.assert_ends_well(korva)
+                self.assertEqual(os.listdir(target), [])
 
     def test_question_is_answered_while_the_window_lives(self):
         start, end = self.open(100, 400)
@@ -228,26 +248,21 @@ class Transfer(PeerTest):
                     self.assertEqual(file.read(), b"end")
                 end.clear()
 
-    def test_files_that_wait_are_copied_after_the_end(self):
-        names = sorted(f"a file of some name {i}" for i in range(3000))
+    def test_thousands_of_files_are_copied_though_the_program_ends(self):
+        names = sorted(f"a file of some name {i}" for i in range(10000))
         source = self.new_folder(*names)
         self.xclip("text/uri-list", "\r\n".join(
             "file://" + quote(os.path.join(source, name)) for name in names))
-        for ending in ("close", "signal"):
-            with self.subTest(ending):
-                target = self.new_folder()
-                korva = self.start(target)
-                korva.steady_picture()
-                self.focus(korva)
-                self.display.press("ctrl+v")
-                wait_until(lambda: os.listdir(target), "the first copy")
-                if ending == "close":
-                    korva.close()
-                else:
-                    korva.process.send_signal(signal.SIGTERM)
-                wait_until(lambda: korva.find_window() is None, "the window to go")
-                self.assertEqual(korva.wait_for_end(60), 0, korva.errors())
-                self.assertEqual(sorted(os.listdir(target)), names)
+        target = self.new_folder()
+        korva = self.start(target)
+        korva.steady_picture()
+        self.focus(korva)
+        self.display.press("ctrl+v")
+        wait_until(lambda: os.listdir(target), "the first copy")
+        korva.process.send_signal(signal.SIGTERM)
+        wait_until(lambda: korva.find_window() is None, "the window to go")
+        self.assertEqual(korva.wait_for_end(120), 0, korva.errors())
+        self.assertEqual(sorted(os.listdir(target)), names)
 
     def test_what_is_cut_is_pasted_once(self):
         start, end = self.open(100, 400)
@@ -302,19 +317,6 @@ class Transfer(PeerTest):
         self.assertEqual(os.listdir(end.path).count("sub"), 1)
         self.assertEqual(folder.names(), ["a"])
         self.assertEqual(start.names(), [])
-
-    def test_thousands_of_files(self):
-        _, end = self.open(100, 400)
-        source = self.new_folder(*(f"a file of some name {i}" for i in range(10000)))
-        uris = "\r\n".join("file://" + quote(os.path.join(source, name)) for name in os.listdir(source))
-        self.xclip("text/uri-list", uris)
-        self.key(end, "ctrl+v")
-        end.wait_for("pasted 10000", 60)
-        self.display.press("p")
-        end.wait_for("alive")
-        wait_until(lambda: end.lines().count("copied") == 10000, "all copies", 120)
-        self.assertEqual(end.names(), sorted(os.listdir(source)))
-
 
 if __name__ == "__main__":
     unittest.main()
