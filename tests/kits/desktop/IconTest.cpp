@@ -5,6 +5,7 @@
 #include <desktop/IconTheme.h>
 #include <desktop/Types.h>
 
+#include "tests/support/Storm.h"
 #include "tests/support/TempTree.h"
 
 #include <QBuffer>
@@ -12,7 +13,6 @@
 #include <gtest/gtest.h>
 
 #include <set>
-#include <thread>
 
 using namespace desktop;
 
@@ -167,20 +167,14 @@ TEST(Types, EveryTypeHasAnIconInEachSize)
 
 TEST(Types, ThreadsMayAskAtOnce)
 {
-	std::vector<std::thread> threads;
-	std::vector<std::string> results(4);
-	for (std::string& result : results) {
-		threads.emplace_back([&result] {
-			for (const char* name : {"a.txt", "b.jpg", "c.mp3", "d.zip", "e.html"}) {
-				const std::string type = TypeByName(name);
-				const IconPixels icon = LoadTypeIcon(type, 16);
-				result += type + ": " + TypeDescription(type) + ", " +
-					std::to_string(icon.pixels[100]) + "\n";
-			}
-		});
-	}
-	for (std::thread& thread : threads)
-		thread.join();
+	std::string results[4];
+	InThreads(4, [&results](int thread) {
+		for (const char* name : {"a.txt", "b.jpg", "c.mp3", "d.zip", "e.html"}) {
+			const std::string type = TypeByName(name);
+			results[thread] += type + ": " + TypeDescription(type) + ", " +
+				std::to_string(LoadTypeIcon(type, 16).pixels[100]) + "\n";
+		}
+	});
 	for (const std::string& result : results)
 		EXPECT_EQ(result, results[0]);
 	EXPECT_EQ(TypeByName("nothing at all"), "");
