@@ -96,19 +96,6 @@ TEST(ScrollBarLayout, PartsFollowEachOther)
 	EXPECT_EQ(ScrollBarLayout(20, 14, 0, 10, 1, 0).ArrowLength(), 10);
 }
 
-TEST(ScrollBar, ValuesAreWholeAndWithinTheRange)
-{
-	BScrollBar bar(BRect(0, 0, 13, 99), "bar", nullptr, 0, 100.5f, B_VERTICAL);
-	bar.SetValue(7.6f);
-	EXPECT_EQ(bar.Value(), 8);
-	bar.SetValue(1000);
-	EXPECT_EQ(bar.Value(), 100);
-	bar.SetRange(0, 40);
-	EXPECT_EQ(bar.Value(), 40);
-	bar.SetRange(50, 60);
-	EXPECT_EQ(bar.Value(), 50);
-}
-
 TEST(ScrollBar, BarAndTargetFollowEachOtherWithoutEcho)
 {
 	Scene scene;
@@ -153,9 +140,6 @@ TEST(ScrollView, FrameIsTheTargetsGrownByBarsAndBorder)
 	EXPECT_EQ(page->Frame(), BRect(2, 2, 101, 51));
 	EXPECT_EQ(scroll.ScrollBar(B_VERTICAL)->Frame(), BRect(102, 2, 115, 51));
 	EXPECT_EQ(scroll.ScrollBar(B_HORIZONTAL)->Frame(), BRect(2, 52, 101, 65));
-	Page* plain = new Page(BRect(0, 0, 9, 9));
-	BScrollView narrow("scroll", plain, B_FOLLOW_NONE, 0, false, false, B_NO_BORDER);
-	EXPECT_EQ(narrow.Frame(), BRect(0, 0, 9, 9));
 }
 
 TEST(ScrollBar, ArrowsAndTroughStepAndRepeatWhileHeld)

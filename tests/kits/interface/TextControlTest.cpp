@@ -220,17 +220,4 @@ TEST_F(TextControlTest, TheBoxBeginsBehindTheLabelAndFollowsEverySize)
 		field->SetDivider(80);
 		EXPECT_EQ(field->TextView()->Frame().left, 82);
 	});
-	window.Settle();
-	// The text's line is as low as the label's.
-	const InjectedUser::Picture picture = user.Snapshot();
-	const auto lowest = [&](int from, int to) {
-		for (int y = 26; y > 10; y--) {
-			for (int x = from; x < to; x++) {
-				if ((picture.At(x, y) & 0xff) < 0x80)
-					return y;
-			}
-		}
-		return 0;
-	};
-	EXPECT_EQ(lowest(10, 40), lowest(94, 120));
 }

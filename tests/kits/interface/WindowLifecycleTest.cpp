@@ -8,7 +8,6 @@
 #include <desktop/GuiThread.h>
 #include <interface/Alert.h>
 #include <interface/Button.h>
-#include <interface/Modal.h>
 
 #include "tests/support/Storm.h"
 #include "tests/support/TestWindow.h"
@@ -232,40 +231,6 @@ QuitLater(const BMessenger& messenger, BLooper* looper)
 		looper->Quit();
 }
 
-// Threads that ask until they are told to end.
-class Askers {
-public:
-	explicit Askers(int count)
-	{
-		for (int i = 0; i < count; i++) {
-			fThreads.emplace_back([this] {
-				while (!fEnding)
-					(new BAlert("asker", "Go on?", "No", "Yes"))->Go();
-			});
-		}
-	}
-	~Askers()
-	{
-		fEnding = true;
-		for (std::thread& thread : fThreads) {
-			std::atomic<bool> joined = false;
-			std::thread closer([&joined] {
-				while (!joined) {
-					BPrivate::CloseAllAlerts();
-					snooze(1000);
-				}
-			});
-			thread.join();
-			joined = true;
-			closer.join();
-		}
-	}
-
-private:
-	std::atomic<bool> fEnding = false;
-	std::vector<std::thread> fThreads;
-};
-
 } // namespace
 
 TEST(WindowLifecycle, WindowsAndViewsInAStormOfThreads)
@@ -309,44 +274,6 @@ TEST(WindowLifecycle, AWindowThatWaitsInAnAlertEndsWhenTheAlertDoes)
 		if (quitter.joinable())
 			quitter.join();
 		EXPECT_TRUE(WaitUntil([&] { return !messenger.IsValid(); }));
-	}
-}
-
-TEST(WindowLifecycle, ApplicationsEndWithWindowsAndAlertsOpen)
-{
-	Dice dice(20261126);
-	for (int i = 0; i < Rounds(12, 600); i++) {
-		sWindows = 0;
-		std::unique_ptr<Askers> askers;
-		{
-			BApplication application("application/x-storm");
-			for (int j = dice(4); j > 0; j--) {
-				StormWindow* window = new StormWindow;
-				if (dice(3) == 0)
-					window->PostMessage(kMsgAlert);
-				window->Show();
-			}
-			StormWindow* unseen = new StormWindow; // never shown
-			askers = std::make_unique<Askers>(dice(3));
-			switch (dice(3)) {
-				case 0: // windows are asked, which agree
-					application.PostMessage(B_QUIT_REQUESTED);
-					application.Run();
-					break;
-				case 1: // they are not
-					application.Lock();
-					application.Quit();
-					application.Unlock();
-					application.Run();
-					break;
-				default: // it never runs
-					break;
-			}
-			EXPECT_TRUE(unseen->IsLocked());
-			// Alerts of threads that are not ours to end would hold it up for ever.
-			askers.reset();
-		}
-		EXPECT_EQ(0, sWindows);
 	}
 }
 
@@ -434,19 +361,4 @@ TEST(WindowLifecycle, ADeletedDefaultButtonIsForgotten)
 	});
 	window->User().Key(std::string(1, B_ENTER));
 	window->Settle();
-}
-
-TEST(WindowLifecycle, TheProgramsArgumentsComeFirst)
-{
-	class Listening : public BApplication {
-	public:
-		Listening() : BApplication("application/x-listening") {}
-		void ArgvReceived(int32 argc, char** argv) override { arguments.assign(argv, argv + argc); }
-		void ReadyToRun() override { PostMessage(B_QUIT_REQUESTED); }
-		std::vector<std::string> arguments;
-	} application;
-	application.Run();
-	const std::vector<std::string>& all = desktop::ProgramArguments();
-	ASSERT_FALSE(all.empty());
-	EXPECT_EQ(application.arguments, all.size() > 1 ? all : std::vector<std::string>());
 }
