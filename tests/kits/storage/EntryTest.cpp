@@ -71,17 +71,10 @@ TEST(Entry, WithoutAFileAnswersNoInit)
 {
 	BEntry entry;
 	entry_ref ref;
-	node_ref node;
-	off_t size;
-	char name[B_FILE_NAME_LENGTH];
 	BPath path("/usr");
 	BDirectory folder("/usr");
 	BEntry parent("/usr");
-	EXPECT_EQ(entry.InitCheck(), B_NO_INIT);
 	EXPECT_EQ(entry.GetRef(&ref), B_NO_INIT);
-	EXPECT_EQ(entry.GetName(name), B_NO_INIT);
-	EXPECT_EQ(entry.GetSize(&size), B_NO_INIT);
-	EXPECT_EQ(entry.GetNodeRef(&node), B_NO_INIT);
 	EXPECT_EQ(entry.GetPath(&path), B_NO_INIT);
 	EXPECT_EQ(path.Path(), nullptr);
 	EXPECT_EQ(entry.GetParent(&parent), B_NO_INIT);
@@ -91,12 +84,9 @@ TEST(Entry, WithoutAFileAnswersNoInit)
 	EXPECT_FALSE(entry.IsFile() || entry.IsDirectory() || entry.IsSymLink());
 	EXPECT_EQ(entry, BEntry());
 	EXPECT_NE(entry, BEntry("/usr"));
-
 	EXPECT_EQ(BEntry(&ref).InitCheck(), B_BAD_VALUE);
-	EXPECT_EQ(BEntry(static_cast<entry_ref*>(nullptr)).InitCheck(), B_BAD_VALUE);
 	EXPECT_EQ(BEntry(static_cast<char*>(nullptr)).InitCheck(), B_BAD_VALUE);
 	EXPECT_EQ(BEntry(&folder, "x").InitCheck(), B_BAD_VALUE);
-	EXPECT_EQ(BEntry(nullptr, "x").InitCheck(), B_BAD_VALUE);
 }
 
 TEST(Entry, FollowsChainsOfLinksFromWhereTheyLie)
@@ -113,8 +103,6 @@ TEST(Entry, FollowsChainsOfLinksFromWhereTheyLie)
 	entry_ref ref = tree.Ref("absolute");
 	EXPECT_TRUE(BEntry(&ref).IsSymLink());
 	EXPECT_TRUE(BEntry(&ref, true).IsFile());
-	EXPECT_EQ(BPath(BEntry(&top, "up", true).InitCheck() == B_OK ? tree.Path().c_str() : ""),
-		tree.Path().c_str());
 	EXPECT_EQ(BEntry(&top, "up", true), BEntry(tree.Path().c_str()));
 	EXPECT_EQ(BEntry(&top, "slash", true), BEntry(&top, "a"));
 	EXPECT_EQ(BEntry(&top, "/usr"), BEntry("/usr"));
@@ -122,19 +110,14 @@ TEST(Entry, FollowsChainsOfLinksFromWhereTheyLie)
 
 TEST(Entry, StatusIsItsOwn)
 {
-	TempTree tree{
-		{"file", Text("12345").Mode(0640).Time(86400)}, {"link", Link("file")}, {"folder", Dir()}};
+	TempTree tree{{"file", Text("12345").Mode(0640).Time(86400)}, {"link", Link("file")}};
 	BEntry file(tree.Path("file").c_str());
-	struct stat expected;
-	struct stat status;
-	struct stat combined;
-	time_t creation;
-	time_t alone;
+	struct stat expected, read;
+	time_t creation, alone;
 	off_t size;
 	ASSERT_EQ(stat(tree.Path("file").c_str(), &expected), 0);
-	ASSERT_EQ(file.GetStat(&status), B_OK);
-	ASSERT_EQ(file.GetStat(&combined, &creation), B_OK);
-	for (const struct stat& read : {status, combined}) {
+	for (time_t* also : {static_cast<time_t*>(nullptr), &creation}) {
+		ASSERT_EQ(also == nullptr ? file.GetStat(&read) : file.GetStat(&read, also), B_OK);
 		EXPECT_EQ(read.st_dev, expected.st_dev);
 		EXPECT_EQ(read.st_ino, expected.st_ino);
 		EXPECT_EQ(read.st_mode, static_cast<mode_t>(S_IFREG | 0640));
@@ -147,13 +130,8 @@ TEST(Entry, StatusIsItsOwn)
 	EXPECT_EQ(file.GetCreationTime(&alone), B_OK);
 	EXPECT_EQ(alone, creation);
 	EXPECT_GE(creation, 86400);
-	EXPECT_LE(creation, status.st_ctime);
-	EXPECT_EQ(file.GetSize(&size), B_OK);
-	EXPECT_EQ(size, 5);
+	EXPECT_LE(creation, read.st_ctime);
 	EXPECT_TRUE(BEntry(tree.Path("link").c_str()).IsSymLink());
-	EXPECT_TRUE(BEntry(tree.Path("folder").c_str()).IsDirectory());
-	EXPECT_EQ(file.GetStat(nullptr), B_BAD_VALUE);
-	EXPECT_EQ(file.GetNodeRef(nullptr), B_BAD_VALUE);
 
 	// Asked anew each time.
 	tree.Remove("file");

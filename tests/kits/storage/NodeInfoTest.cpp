@@ -39,27 +39,29 @@ const std::string kPng("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\1\0\0\0\1", 24);
 
 TEST(NodeInfo, NamesDecideBeforeContents)
 {
-	TempTree tree{{"photo.png", Text("words")}, {"WORDS.TXT", Text(kPng)}, {"a.tar.gz", Text()},
-		{"page.html", Text()}, {"Makefile", Text()}, {"dir.png/song.mp3", Text()}};
-	EXPECT_EQ(TypeOf(tree.Path("photo.png")), "image/png");
-	EXPECT_EQ(TypeOf(tree.Path("WORDS.TXT")), "text/plain");
-	EXPECT_EQ(TypeOf(tree.Path("a.tar.gz")), "application/x-compressed-tar");
-	EXPECT_EQ(TypeOf(tree.Path("page.html")), "text/html");
-	EXPECT_EQ(TypeOf(tree.Path("Makefile")), "text/x-makefile");
-	EXPECT_EQ(TypeOf(tree.Path("dir.png/song.mp3")), "audio/mpeg");
-}
-
-TEST(NodeInfo, ContentsDecideWhenNamesSayNothing)
-{
-	TempTree tree{{"empty", Text()}, {"words", Text("some words\n")}, {"picture", Text(kPng)},
-		{"script", Text("#!/bin/sh\n")}, {"noise", Text(std::string("\0\1\2\3\xfe\xff", 6))},
-		{"program", Text(kElf)}};
-	EXPECT_EQ(TypeOf(tree.Path("empty")), "application/x-zerosize");
-	EXPECT_EQ(TypeOf(tree.Path("words")), "text/plain");
-	EXPECT_EQ(TypeOf(tree.Path("picture")), "image/png");
-	EXPECT_EQ(TypeOf(tree.Path("script")), "application/x-shellscript");
-	EXPECT_EQ(TypeOf(tree.Path("noise")), "application/octet-stream");
-	EXPECT_EQ(TypeOf(tree.Path("program")), "application/x-executable");
+	const struct {
+		const char* path;
+		std::string content;
+		const char* type;
+	} cases[] = {
+		{"photo.png", "words", "image/png"},
+		{"WORDS.TXT", kPng, "text/plain"},
+		{"a.tar.gz", "", "application/x-compressed-tar"},
+		{"Makefile", "", "text/x-makefile"},
+		{"dir.png/song.mp3", "", "audio/mpeg"},
+		// Names that say nothing.
+		{"empty", "", "application/x-zerosize"},
+		{"words", "some words\n", "text/plain"},
+		{"picture", kPng, "image/png"},
+		{"script", "#!/bin/sh\n", "application/x-shellscript"},
+		{"noise", std::string("\0\1\2\3\xfe\xff", 6), "application/octet-stream"},
+		{"program", kElf, "application/x-executable"},
+	};
+	TempTree tree;
+	for (const auto& each : cases) {
+		tree.Add(each.path, Text(each.content));
+		EXPECT_EQ(TypeOf(tree.Path(each.path)), each.type);
+	}
 }
 
 TEST(NodeInfo, OnlyRegularFilesHaveTypesWithoutAttributes)

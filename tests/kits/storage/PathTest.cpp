@@ -124,19 +124,6 @@ TEST(Path, GoesUpToTheRoot)
 	EXPECT_EQ(path.Leaf(), nullptr);
 }
 
-TEST(Path, ComparesText)
-{
-	BPath path("/usr");
-	EXPECT_EQ(path, BPath("/usr"));
-	EXPECT_EQ(path, "/usr");
-	EXPECT_NE(path, "/usr/");
-	EXPECT_NE(path, BPath());
-	EXPECT_EQ(BPath(), static_cast<const char*>(nullptr));
-	EXPECT_NE(BPath(), "");
-	path = "/etc";
-	EXPECT_EQ(path, "/etc");
-}
-
 TEST(GetRefForPath, TellsWhatIsWrong)
 {
 	TempTree tree{{"a/file", Text()}, {"link", Link("a")}, {"broken", Link("none")}};
