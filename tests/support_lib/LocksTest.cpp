@@ -5,29 +5,18 @@
 #include "support/Queue.h"
 #include "support/UpdateCounter.h"
 
+#include "tests/support/Storm.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <deque>
 #include <functional>
 #include <memory>
-#include <random>
 #include <string>
 #include <thread>
-#include <vector>
 
 namespace {
-
-void
-InThreads(int count, const std::function<void(int)>& body)
-{
-	std::vector<std::thread> threads;
-	threads.reserve(static_cast<size_t>(count));
-	for (int i = 0; i < count; i++)
-		threads.emplace_back(body, i);
-	for (std::thread& thread : threads)
-		thread.join();
-}
 
 std::string
 PrintedBy(const std::function<void()>& action)
@@ -105,10 +94,9 @@ TEST(Queue, AgreesWithADequeOverRandomSteps)
 	}
 }
 
-TEST(Queue, ItsErrorsAreQueueExceptionsAndALongQueueDies)
+TEST(Queue, ALongQueueDies)
 {
 	auto queue = std::make_unique<TQueue>();
-	EXPECT_THROW(queue->Next(), XQueueException);
 	for (int i = 0; i < 1000000; i++)
 		queue->Add(queue.get());
 	queue.reset();
@@ -124,27 +112,6 @@ TEST(UpdateCounter, CountsNeverBelowZero)
 		EXPECT_EQ(counter++, 1);
 		EXPECT_EQ(counter--, 2);
 		EXPECT_EQ(--counter, 0);
-		counter = -5;
-		EXPECT_EQ(--counter, 0);
-		EXPECT_EQ(counter--, 0);
-		EXPECT_TRUE(counter == -5);
-		EXPECT_EQ(++counter, -4);
-	});
-}
-
-TEST(UpdateCounter, ComparesWithNumbers)
-{
-	UpdateCounter counter;
-	EXPECT_EQ(&(counter = 3), &counter);
-	PrintedBy([&] {
-		for (long value : {2L, 3L, 4L, 1L << 40}) {
-			EXPECT_EQ(counter < value, 3 < value);
-			EXPECT_EQ(counter <= value, 3 <= value);
-			EXPECT_EQ(counter > value, 3 > value);
-			EXPECT_EQ(counter >= value, 3 >= value);
-			EXPECT_EQ(counter == value, 3 == value);
-			EXPECT_EQ(counter != value, 3 != value);
-		}
 	});
 }
 

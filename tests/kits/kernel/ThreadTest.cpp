@@ -115,21 +115,15 @@ TEST(Thread, StormOfWakeUpsLosesNone)
 		}
 	});
 	scanner.Start();
-	auto feed = [&](unsigned seed) {
-		std::minstd_rand random(seed);
+	InThreads(2, [&](int seed) {
+		std::minstd_rand random(static_cast<unsigned>(seed));
 		for (int i = 0; i < kItems / 2; i++) {
 			queued++;
 			resume_thread(scanner.Id());
 			if (random() % 4 == 0)
 				sched_yield();
 		}
-	};
-	Worker first([&] { feed(1); });
-	Worker second([&] { feed(2); });
-	first.Start();
-	second.Start();
-	first.Join();
-	second.Join();
+	});
 	EXPECT_TRUE(WaitUntil([&] { return taken == kItems; })) << taken << " taken";
 	EXPECT_EQ(B_OK, kill_thread(scanner.Id()));
 }
@@ -240,29 +234,19 @@ TEST(Thread, KillWaitsForDestructorsThatWait)
 {
 	sem_id go = create_sem(0, "go");
 	std::vector<std::string> done;
-	struct WaitsWhileUnwinding {
-		~WaitsWhileUnwinding()
-		{
+	struct AtItsEnd {
+		~AtItsEnd() { run(); }
+		std::function<void()> run;
+	};
+	Worker victim([&] {
+		AtItsEnd unwinding{[&] {
 			EXPECT_EQ(B_OK, acquire_sem(go));
 			done.push_back("unwound");
-		}
-		sem_id go;
-		std::vector<std::string>& done;
-	};
-	struct WaitsDeferring {
-		~WaitsDeferring()
+		}};
 		{
 			DeferKill shield;
 			EXPECT_EQ(B_OK, acquire_sem(go));
 			done.push_back("deferred");
-		}
-		sem_id go;
-		std::vector<std::string>& done;
-	};
-	Worker victim([&] {
-		WaitsWhileUnwinding first{go, done};
-		{
-			WaitsDeferring second{go, done};
 		}
 		snooze(B_INFINITE_TIMEOUT);
 	});
