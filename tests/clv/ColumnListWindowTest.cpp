@@ -344,18 +344,12 @@ TEST(ColumnListWindow, RowsHearOfThePointer)
 	move(BPoint(6, 5), B_INSIDE_VIEW);
 	EXPECT_EQ(heard(0), (Transits{B_ENTERED_VIEW}));
 	// As good as a new row at the address of one that was taken out.
-	for (const bool all : {false, true}) {
-		it.Under([&] {
-			TestRow* row = it.list->rows[0].get();
-			if (all)
-				it.list->MakeEmpty();
-			else
-				it.list->RemoveItem(row);
-			return it.list->AddItem(row, 0);
-		});
-		move(BPoint(6, 5), B_INSIDE_VIEW);
-		EXPECT_EQ(heard(0), (Transits{B_ENTERED_VIEW})) << all;
-	}
+	it.Under([&] {
+		it.list->MakeEmpty();
+		return it.list->AddItem(it.list->rows[0].get());
+	});
+	move(BPoint(6, 5), B_INSIDE_VIEW);
+	EXPECT_EQ(heard(0), (Transits{B_ENTERED_VIEW}));
 }
 
 TEST(ColumnListWindow, ColumnsAndKeysMayBeChangedByAnyThread)

@@ -99,31 +99,6 @@ TEST(MouseWatcher, DragPopupOrClickIsDecidedInThisOrder)
 	EXPECT_EQ(DragOrPopup(9).Look(BPoint(1, 1), 0, 0), uint32(MW_MOUSE_CLICK));
 }
 
-TEST(MouseWatcher, FollowsARealMouseUntilItsRelease)
-{
-	Watched it;
-	it.Press();
-	it.Watch(StartMouseWatcher);
-	// The first look may come late: go on moving until one is told of.
-	float x = 60;
-	std::vector<BMessage> moves;
-	ASSERT_TRUE(WaitUntil([&] {
-		it.window.User().Move(x = x < 150 ? x + 1 : 61, 60);
-		return !(moves = it.window->Take(MW_MOUSE_MOVED)).empty();
-	}));
-	EXPECT_EQ(Told(moves[0]).buttons, B_PRIMARY_MOUSE_BUTTON);
-	EXPECT_EQ(Told(moves[0]).where.y, 50);
-	it.window.User().Press(60, 60, B_SECONDARY_MOUSE_BUTTON);
-	EXPECT_EQ(it.Await(MW_MOUSE_DOWN).buttons, int32(kBoth));
-	it.window.User().Release(60, 60, B_SECONDARY_MOUSE_BUTTON);
-	it.Release();
-	const Told up = it.Await(MW_MOUSE_UP);
-	EXPECT_EQ(up.buttons, 0);
-	EXPECT_EQ(up.where, BPoint(50, 50));
-	EXPECT_TRUE(AllEnded("MouseWatcher"));
-	EXPECT_TRUE(it.window->Take(MW_MOUSE_UP).empty());
-}
-
 TEST(MouseWatcher, HoldingStillAndLettingGoAreToldOnce)
 {
 	Watched it;

@@ -46,11 +46,10 @@ struct Keys {
 Keys
 KeysOf(const ColumnListView* list)
 {
-	Keys keys{std::vector<int32>(8), std::vector<CLVSortMode>(8)};
-	const int32 count = list->Sorting(keys.columns.data(), keys.modes.data());
-	keys.columns.resize(static_cast<size_t>(count));
-	keys.modes.resize(static_cast<size_t>(count));
-	return keys;
+	int32 columns[8];
+	CLVSortMode modes[8];
+	const int32 count = list->Sorting(columns, modes);
+	return {{columns, columns + count}, {modes, modes + count}};
 }
 
 } // namespace

@@ -58,6 +58,14 @@ public:
 		Settle();
 	}
 
+	// With these children, the last one in front.
+	void ShowWith(std::initializer_list<BView*> views)
+	{
+		for (BView* view : views)
+			AddChild(view);
+		ShowAndSettle();
+	}
+
 	InjectedUser User() { return InjectedUser(Title()); }
 	InjectedUser::Picture Snapshot() { return User().Snapshot(); }
 

@@ -33,8 +33,7 @@ Drawn(const std::function<void(BView*)>& draw)
 	Shown window(200, 60);
 	BView* view = new BView(BRect(0, 0, 199, 59), nullptr, B_FOLLOW_NONE, B_WILL_DRAW);
 	view->SetLowColor(255, 0, 0);
-	window->AddChild(view);
-	window->ShowAndSettle();
+	window->ShowWith({view});
 	window->Do([&] { draw(view); });
 	return window->Snapshot();
 }

@@ -7,9 +7,10 @@
 #include <app/Looper.h>
 #include <app/MessagePrivate.h>
 
+#include "tests/support/Collector.h"
+
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <optional>
 #include <thread>
 
@@ -33,29 +34,6 @@ struct Delivered {
 
 	std::shared_ptr<ReplySlot> slot = std::make_shared<ReplySlot>();
 	std::optional<BMessage> message = BMessage('ask ');
-};
-
-// Keeps the code of what it received last.
-class Listener : public BHandler {
-public:
-	Listener() : BHandler("listener") {}
-	~Listener() override { delete_sem(fReceived); }
-
-	void MessageReceived(BMessage* message) override
-	{
-		fCode = message->what;
-		release_sem(fReceived);
-	}
-
-	uint32 NextCode()
-	{
-		status_t status = acquire_sem_etc(fReceived, 1, B_RELATIVE_TIMEOUT, kDeadline);
-		return status == B_OK ? fCode.load() : 0;
-	}
-
-private:
-	sem_id fReceived = create_sem(0, "received");
-	std::atomic<uint32> fCode = 0;
 };
 
 // Waits without limit for the answer of the slot that it is given; returns its code.
@@ -154,10 +132,7 @@ TEST(Reply, AKilledSenderIsFreedAndNotAnswered)
 	Delivered delivered;
 	thread_id thread = spawn_thread(WaitForAnswer, "sender", B_NORMAL_PRIORITY, &delivered.slot);
 	ASSERT_EQ(resume_thread(thread), B_OK);
-	for (bigtime_t end = system_time() + kDeadline; delivered.slot.use_count() < 3;) {
-		ASSERT_LT(system_time(), end);
-		snooze(1000);
-	}
+	ASSERT_TRUE(WaitUntil([&] { return delivered.slot.use_count() == 3; }));
 	EXPECT_EQ(kill_thread(thread), B_OK);
 	EXPECT_EQ(delivered.slot.use_count(), 2);
 	EXPECT_FALSE(delivered.message->IsSourceWaiting());
@@ -167,7 +142,7 @@ TEST(Reply, AKilledSenderIsFreedAndNotAnswered)
 TEST(Reply, AnAddressGetsEveryAnswerUntilItsLooperIsGone)
 {
 	BLooper* looper = new BLooper("listening");
-	Listener listener;
+	Collector listener;
 	looper->AddHandler(&listener);
 	looper->Run();
 
@@ -175,9 +150,9 @@ TEST(Reply, AnAddressGetsEveryAnswerUntilItsLooperIsGone)
 	MessageAccess::ReplyTo(message) = std::make_shared<BMessenger>(&listener, looper);
 	EXPECT_FALSE(message.IsSourceWaiting());
 	EXPECT_EQ(message.SendReply('one '), B_OK);
-	EXPECT_EQ(listener.NextCode(), static_cast<uint32>('one '));
 	EXPECT_EQ(message.SendReply('two '), B_OK);
-	EXPECT_EQ(listener.NextCode(), static_cast<uint32>('two '));
+	EXPECT_TRUE(listener.Gets(2));
+	EXPECT_EQ(listener.Codes(), (std::vector<uint32>{'one ', 'two '}));
 	EXPECT_EQ(BMessage(message).SendReply('copy'), B_BAD_REPLY);
 
 	ASSERT_TRUE(looper->Lock());

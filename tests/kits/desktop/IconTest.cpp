@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <desktop/BuiltinIcons.h>
 #include <desktop/GuiThread.h>
 #include <desktop/IconTheme.h>
 #include <desktop/Types.h>
@@ -12,13 +11,9 @@
 #include <QImage>
 #include <gtest/gtest.h>
 
-#include <set>
-
 using namespace desktop;
 
 namespace {
-
-constexpr int kBuiltinIcons = int(BuiltinIcon::kUnknown) + 1;
 
 // A picture of one colour, as a file.
 TempItem
@@ -57,25 +52,6 @@ Found(const IconTheme& theme, const std::vector<std::string>& names, int32 size 
 }
 
 } // namespace
-
-TEST(BuiltinIcons, EachIsDifferentFromTheOthers)
-{
-	for (int32 size : {16, 32, 64}) {
-		std::set<QByteArray> seen;
-		for (int i = 0; i < kBuiltinIcons; i++) {
-			const QImage image = DrawBuiltinIcon(BuiltinIcon(i), size);
-			ASSERT_EQ(image.size(), QSize(size, size));
-			int painted = 0;
-			for (int at = 0; at < size * size; at++)
-				painted += qAlpha(image.pixel(at % size, at / size)) == 255;
-			EXPECT_GT(painted, size * size / 3) << i;
-			EXPECT_LT(painted, size * size) << i;
-			seen.insert(
-				QByteArray(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes()));
-		}
-		EXPECT_EQ(seen.size(), size_t(kBuiltinIcons)) << size;
-	}
-}
 
 TEST(IconTheme, TheNearestSizeIsTaken)
 {

@@ -69,25 +69,6 @@ TEST(Bitmap, TheNearestColourOfThePaletteIsTaken)
 	}
 }
 
-TEST(Bitmap, CopiesShareTheirPixelsUntilWrittenTo)
-{
-	BBitmap bitmap(BRect(0, 0, 3, 1), B_CMAP8);
-	memset(bitmap.Bits(), 3, 8);
-	const BBitmap copy(bitmap);
-	auto shares = [&] { return std::as_const(bitmap).Bits() == copy.Bits(); };
-	EXPECT_TRUE(shares());
-	const uint8 data[] = {1};
-	bitmap.SetBits(data, 1, 0, B_CMAP8);
-	EXPECT_FALSE(shares());
-	EXPECT_EQ(*static_cast<const uint8*>(copy.Bits()), 3);
-
-	EXPECT_EQ(bitmap.SharePixels(copy), B_OK);
-	EXPECT_TRUE(shares());
-	EXPECT_EQ(bitmap.SharePixels(BBitmap(BRect(0, 0, 3, 1), B_RGB32)), B_BAD_VALUE);
-	EXPECT_EQ(bitmap.SharePixels(BBitmap(BRect(0, 0, 3, 2), B_CMAP8)), B_BAD_VALUE);
-	EXPECT_TRUE(shares());
-}
-
 TEST(Bitmap, BitsThatDoNotFitAreCutOff)
 {
 	BBitmap bitmap(BRect(0, 0, 3, 1), B_CMAP8);

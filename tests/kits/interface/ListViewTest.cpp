@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <random>
 #include <set>
 
@@ -20,7 +21,7 @@ constexpr uint32 kInvoked = 'invo';
 
 class Row : public BListItem {
 public:
-	explicit Row(int value, float height = 18) : number(value), fRowHeight(height) {}
+	explicit Row(int value) : number(value) {}
 
 	void DrawItem(BView* owner, BRect rect, bool) override
 	{
@@ -28,13 +29,10 @@ public:
 		owner->SetHighColor(IsSelected() ? 200 : 255, 255, 255);
 		owner->FillRect(rect);
 	}
-	void Update(BView*, const BFont*) override { SetHeight(fRowHeight); }
+	void Update(BView*, const BFont*) override { SetHeight(18); }
 
 	const int number;
 	int draws = 0;
-
-private:
-	float fRowHeight;
 };
 
 class RecordingList : public BListView {
@@ -44,16 +42,11 @@ public:
 		SetSelectionMessage(new BMessage(kSelected));
 		SetInvocationMessage(new BMessage(kInvoked));
 	}
-	~RecordingList() override
-	{
-		for (Row* row : owned)
-			delete row;
-	}
 
-	Row* NewRow(int number, float height = 18)
+	Row* NewRow(int number)
 	{
-		owned.push_back(new Row(number, height));
-		return owned.back();
+		owned.push_back(std::make_unique<Row>(number));
+		return owned.back().get();
 	}
 	void Fill(int count)
 	{
@@ -77,8 +70,17 @@ public:
 
 	int changes = 0;
 	std::vector<std::pair<int32, bool>> drags;
-	std::vector<Row*> owned;
+	std::vector<std::unique_ptr<Row>> owned;
 };
+
+// Of six rows.
+RecordingList*
+NewList()
+{
+	RecordingList* list = new RecordingList(BRect(0, 0, 200, 200), B_MULTIPLE_SELECTION_LIST);
+	list->Fill(6);
+	return list;
+}
 
 int
 ByNumber(const void* a, const void* b)
@@ -119,9 +121,7 @@ struct SelectionModel {
 		else if (multiple && (held & B_SHIFT_KEY) != 0)
 			Extend(row);
 		else if (multiple && held != 0) {
-			if (selected.count(row) != 0)
-				selected.erase(row);
-			else
+			if (selected.erase(row) == 0)
 				selected.insert(row);
 			anchor = cursor = row;
 		} else
@@ -167,8 +167,8 @@ RunAgainstModel(list_view_type type, unsigned seed)
 			uint32 held = keys[random() % 5];
 			model.Click(row, held);
 			window.User().Press(20, MiddleOf(row), B_PRIMARY_MOUSE_BUTTON, held);
-			// Not to be taken for a double click.
 			window.User().Release(20, MiddleOf(row), B_PRIMARY_MOUSE_BUTTON, held);
+			// Not to be taken for a double click.
 			window.User().Click(190, MiddleOf(row), B_SECONDARY_MOUSE_BUTTON);
 		} else if (!model.selected.empty() || random() % 2 == 0) {
 			const char keys[] = {B_UP_ARROW, B_DOWN_ARROW, B_HOME, B_END};
@@ -219,7 +219,7 @@ TEST(ListView, TheSelectionStaysWithItsRowsThroughChanges)
 	EXPECT_EQ(selected(), (std::vector<int>{1, 4}));
 	list.Select(2, true);
 	EXPECT_TRUE(list.RemoveItems(3, 2)); // 0 1 9 3 4 5
-	EXPECT_EQ(list.RemoveItem(static_cast<int32>(0)), list.owned[0]);
+	EXPECT_EQ(list.RemoveItem(static_cast<int32>(0)), list.owned[0].get());
 	EXPECT_TRUE(list.AddItem(list.NewRow(7), 0)); // 7 1 9 3 4 5
 	EXPECT_EQ(selected(), (std::vector<int>{1, 9, 4}));
 	list.SortItems(ByNumber);
@@ -252,21 +252,20 @@ TEST(ListView, OnlyDamagedRowsAreDrawn)
 	window.Under([&] {
 		list->Select(0);
 		list->Window()->UpdateIfNeeded();
-		for (Row* row : list->owned)
+		for (const auto& row : list->owned)
 			row->draws = 0;
 		list->Select(4);
 	});
 	window.Settle();
 	window.Under([&] {
-		for (const Row* row : list->owned)
+		for (const auto& row : list->owned)
 			EXPECT_EQ(row->draws, row->number == 0 || row->number == 4) << row->number;
 	});
 }
 
 TEST(ListView, TogglingOffAndReducingWaitForTheRelease)
 {
-	RecordingList* list = new RecordingList(BRect(0, 0, 200, 200), B_MULTIPLE_SELECTION_LIST);
-	list->Fill(6);
+	RecordingList* list = NewList();
 	ListenedWindow window(200, 200, list);
 	auto selection = [&] {
 		window.Settle();
@@ -290,8 +289,7 @@ TEST(ListView, TogglingOffAndReducingWaitForTheRelease)
 
 TEST(ListView, ADragIsOfferedOnceBehindTwoPixels)
 {
-	RecordingList* list = new RecordingList(BRect(0, 0, 200, 200), B_MULTIPLE_SELECTION_LIST);
-	list->Fill(6);
+	RecordingList* list = NewList();
 	ListenedWindow window(200, 200, list);
 	auto drags = [&] {
 		window.Settle();
@@ -317,8 +315,7 @@ TEST(ListView, ADragIsOfferedOnceBehindTwoPixels)
 
 TEST(ListView, ADoubleClickInvokesTheRow)
 {
-	RecordingList* list = new RecordingList(BRect(0, 0, 200, 200), B_MULTIPLE_SELECTION_LIST);
-	list->Fill(6);
+	RecordingList* list = NewList();
 	ListenedWindow window(200, 200, list);
 	window.User().Click(20, MiddleOf(4));
 	window.User().Click(20, MiddleOf(4));

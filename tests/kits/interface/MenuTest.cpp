@@ -351,17 +351,3 @@ TEST(MenuItems, BelongToOneMenu)
 	delete item;
 	EXPECT_EQ(other.CountItems(), 0);
 }
-
-TEST(MenuItems, RadioModeKeepsOneMark)
-{
-	BPopUpMenu menu("menu", false, false);
-	for (int i = 0; i < 3; i++)
-		menu.AddItem(new BMenuItem("item", nullptr));
-	menu.ItemAt(0)->SetMarked(true);
-	menu.ItemAt(1)->SetMarked(true);
-	EXPECT_TRUE(menu.ItemAt(0)->IsMarked()) << "no radio mode";
-	EXPECT_TRUE(BPopUpMenu("forced", false, true).IsRadioMode());
-	menu.SetRadioMode(true);
-	menu.ItemAt(2)->SetMarked(true);
-	EXPECT_EQ(menu.FindMarked(), menu.ItemAt(2));
-}

@@ -134,8 +134,7 @@ TEST(ScaledPicture, ScrollingAndResizingLeaveWhatAFullRepaintDraws)
 	Rows* rows = new Rows(BRect(2, 2, 103, 73));
 	BScrollView* scroll =
 		new BScrollView(nullptr, rows, B_FOLLOW_ALL, 0, true, true, B_FANCY_BORDER);
-	window->AddChild(scroll);
-	window->ShowAndSettle();
+	window->ShowWith({scroll});
 	auto isAsRepainted = [&] {
 		const InjectedUser::Picture before = window->Snapshot();
 		window->Do([&] {
@@ -191,8 +190,7 @@ TEST(ScaledPicture, ArrowsAreEvenTrianglesInTheMiddleOfTheirBoxes)
 			 ArrowDirection::kLeft, ArrowDirection::kRight}) {
 		Shown window(kBox, kBox);
 		BView* view = new BView(BRect(0, 0, kBox - 1, kBox - 1), nullptr, B_FOLLOW_ALL, 0);
-		window->AddChild(view);
-		window->ShowAndSettle();
+		window->ShowWith({view});
 		window->Do([&] { BPrivate::DrawArrow(view, view->Bounds(), direction, {0, 0, 0, 255}); });
 		const InjectedUser::Picture picture = window->Snapshot();
 		const bool upright = direction == ArrowDirection::kUp || direction == ArrowDirection::kDown;

@@ -82,20 +82,6 @@ TEST(ScrollBarLayout, ThumbCoversItsShareAndComesBackFromItsPlace)
 	EXPECT_EQ(ScrollBarLayout(128, 14, 0, 1e6, 0.0001, 0).ThumbLength(), 8);
 }
 
-TEST(ScrollBarLayout, PartsFollowEachOther)
-{
-	ScrollBarLayout layout(128, 14, 0, 100, 0.25, 50);
-	EXPECT_EQ(layout.PartAt(-1), ScrollBarPart::kNone);
-	EXPECT_EQ(layout.PartAt(13.9), ScrollBarPart::kLessArrow);
-	EXPECT_EQ(layout.PartAt(14), ScrollBarPart::kTroughBefore);
-	EXPECT_EQ(layout.PartAt(layout.ThumbStart()), ScrollBarPart::kThumb);
-	EXPECT_EQ(layout.PartAt(layout.ThumbStart() + 25), ScrollBarPart::kTroughBehind);
-	EXPECT_EQ(layout.PartAt(114), ScrollBarPart::kMoreArrow);
-	EXPECT_FALSE(ScrollBarLayout(128, 14, 0, 0, 0.25, 0).HasThumb());
-	EXPECT_FALSE(ScrollBarLayout(20, 14, 0, 10, 1, 0).HasThumb());
-	EXPECT_EQ(ScrollBarLayout(20, 14, 0, 10, 1, 0).ArrowLength(), 10);
-}
-
 TEST(ScrollBar, BarAndTargetFollowEachOtherWithoutEcho)
 {
 	Scene scene;

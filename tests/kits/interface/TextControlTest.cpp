@@ -200,24 +200,3 @@ TEST_F(TextControlTest, EachChangeByTheUserIsTold)
 	window.Get()->Do([&] { field->SetText("quiet"); });
 	EXPECT_EQ(Sent(kModified), 0u);
 }
-
-TEST_F(TextControlTest, TheBoxBeginsBehindTheLabelAndFollowsEverySize)
-{
-	window.Under([&] {
-		float width = 0, height = 0;
-		field->GetPreferredSize(&width, &height);
-		EXPECT_LE(height, 18.5f);
-		EXPECT_EQ(field->Divider(), std::ceil(be_plain_font->StringWidth("Name:")) + 5);
-		EXPECT_EQ(second->Divider(), 0);
-		EXPECT_EQ(1, field->CountChildren());
-		EXPECT_EQ(field->TextView(), field->ChildAt(0));
-		const BRect editor = field->TextView()->Frame();
-		EXPECT_EQ(editor.left, field->Divider() + 2);
-		EXPECT_EQ(editor.right, field->Bounds().right - 2);
-		EXPECT_GE(editor.Height() + 1, field->TextView()->LineHeight());
-		field->ResizeBy(20, 0);
-		EXPECT_EQ(field->TextView()->Frame().right, editor.right + 20);
-		field->SetDivider(80);
-		EXPECT_EQ(field->TextView()->Frame().left, 82);
-	});
-}

@@ -86,13 +86,6 @@ protected:
 		window.Settle();
 	}
 
-	// Columns of the window with such a pixel: first and last.
-	std::pair<int, int> Columns(uint32 colour)
-	{
-		const desktop::PixelRect bounds = user.Snapshot().BoundsOf(colour);
-		return {bounds.left, bounds.right};
-	}
-
 	BTextView* view;
 	ListenedWindow window;
 	InjectedUser& user;
@@ -330,22 +323,6 @@ TEST_F(TextViewTest, ALongLineScrollsSoThatTheCaretIsSeen)
 	user.Move(kLeft + 230, kTop + 8);
 	EXPECT_TRUE(WaitUntil([&] { return State().back() == ']'; })) << State();
 	user.Release(kLeft + 230, kTop + 8);
-}
-
-TEST_F(TextViewTest, TheSelectionIsSeenWhileTheViewHasTheFocus)
-{
-	Set("abc def", 4, 7);
-	const auto [first, last] = Columns(kSelected);
-	EXPECT_NEAR(first, PlaceOf(4).x, 1.01);
-	EXPECT_NEAR(last, PlaceOf(7).x - 1, 1.01);
-	user.Deactivate();
-	window.Settle();
-	EXPECT_EQ(Columns(kSelected).second, -1);
-	EXPECT_NE(Columns(0xffd8d8d8).second, -1);
-	user.Activate();
-	window.Get()->Do([&] { view->MakeFocus(false); });
-	EXPECT_EQ(Columns(kSelected).second, -1);
-	EXPECT_EQ(State(), "abc [def]");
 }
 
 TEST_F(TextViewTest, WrappedTextBreaksAtItsRectangle)

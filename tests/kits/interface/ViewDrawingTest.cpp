@@ -69,8 +69,7 @@ TEST(Drawing, AnUpdateReachesOnlyTheDamage)
 		EXPECT_EQ(clip.Frame(), static_cast<DrawnView*>(self)->lastUpdate);
 		self->FillRect(self->Bounds());
 	});
-	window->AddChild(view);
-	window->ShowAndSettle();
+	window->ShowWith({view});
 	EXPECT_EQ(1, view->draws);
 	EXPECT_EQ(BRect(0, 0, 39, 19), view->lastUpdate);
 	window->Do([&] {
@@ -94,8 +93,7 @@ TEST(Drawing, TheOwnClipReplacesTheLastAndEndsWithDraw)
 		self->ConstrainClippingRegion(&second);
 		self->FillRect(self->Bounds());
 	});
-	window->AddChild(view);
-	window->ShowAndSettle();
+	window->ShowWith({view});
 	EXPECT_EQ(100, window->Snapshot().Count(kBlack));
 	EXPECT_EQ(kBlack, window->Snapshot().At(30, 10));
 	window->Do([&] { view->StrokeLine(BPoint(0, 19), BPoint(39, 19)); });
@@ -128,8 +126,7 @@ TEST(Drawing, APoppedStateIsTheOneThatWasPushed)
 		self->FillRect(BRect(0, 0, 59, 19)); // red, at the left
 		self->PopState();                    // one too many
 	});
-	window->AddChild(view);
-	window->ShowAndSettle();
+	window->ShowWith({view});
 	const InjectedUser::Picture picture = window->Snapshot();
 	EXPECT_EQ(400, picture.Count(kBlue));
 	EXPECT_EQ(200, picture.Count(kRed));
@@ -153,9 +150,7 @@ TEST(Drawing, EveryViewIsErasedInItsColourUnlessTransparent)
 	plain->SetViewColor(255, 0, 0);
 	DrawnView* clear = new DrawnView(BRect(10, 0, 19, 19), nullptr);
 	clear->SetViewColor(B_TRANSPARENT_COLOR);
-	window->AddChild(plain);
-	window->AddChild(clear);
-	window->ShowAndSettle();
+	window->ShowWith({plain, clear});
 	window->Do([&] { clear->FillRect(BRect(0, 0, 9, 9)); });
 	window->Do([&] { clear->Invalidate(); });
 	InjectedUser::Picture picture = window->Snapshot();
@@ -190,8 +185,7 @@ TEST(Drawing, ScrollingMovesPixelsAndDrawsOnlyTheUncoveredStrip)
 				self->StrokeLine(BPoint(0, y), BPoint(y % 40, y));
 		}
 	});
-	window->AddChild(view);
-	window->ShowAndSettle();
+	window->ShowWith({view});
 	window->Do([&] { view->ScrollTo(BPoint(0, 25)); });
 	EXPECT_EQ(BRect(0, 80, 39, 104), view->lastUpdate);
 	InjectedUser::Picture scrolled = window->Snapshot();
@@ -223,9 +217,7 @@ TEST(Drawing, CopyBitsDamagesWhatItCannotCopy)
 	};
 	DrawnView* view = new DrawnView(BRect(0, 0, 59, 39), stripes);
 	DrawnView* cover = new DrawnView(BRect(0, 0, 9, 39), nullptr);
-	window->AddChild(view);
-	window->AddChild(cover);
-	window->ShowAndSettle();
+	window->ShowWith({view, cover});
 	window->Do([&] {
 		view->FillRect(BRect(20, 0, 29, 39)); // only copying brings this to its new place
 		view->CopyBits(BRect(5, 0, 29, 39), BRect(25, 0, 49, 39));
@@ -241,8 +233,7 @@ TEST(Drawing, OtherThreadsDrawAndInvalidateUnderTheLock)
 {
 	Shown window(40, 20);
 	DrawnView* view = new DrawnView(BRect(0, 0, 39, 19), nullptr);
-	window->AddChild(view);
-	window->ShowAndSettle();
+	window->ShowWith({view});
 	{
 		Locked lock(window.Get());
 		view->FillRect(BRect(0, 0, 4, 4));

@@ -119,9 +119,7 @@ TEST(ViewLayout, AWindowsSizeReachesItsViewsAndTheirPicture)
 		BRect(0, 0, 29, 79), kRed, B_FOLLOW_LEFT | B_FOLLOW_TOP_BOTTOM, B_FRAME_EVENTS);
 	ColouredView* right =
 		new ColouredView(BRect(30, 0, 99, 79), kBlue, B_FOLLOW_ALL_SIDES, B_FRAME_EVENTS);
-	window->AddChild(left);
-	window->AddChild(right);
-	window->ShowAndSettle();
+	window->ShowWith({left, right});
 	window->User().Resize(160, 120);
 	window->Settle();
 	{
@@ -193,8 +191,7 @@ TEST(ViewLayout, FrameEventsComeOnceForABurstOfChanges)
 {
 	Shown window(100, 80);
 	ColouredView* view = new ColouredView(BRect(0, 0, 9, 9), kRed, B_FOLLOW_NONE, B_FRAME_EVENTS);
-	window->AddChild(view);
-	window->ShowAndSettle();
+	window->ShowWith({view});
 	EXPECT_EQ(0, view->moves + view->resizes); // attaching tells nothing
 	window->Do([&] {
 		for (int i = 1; i <= 5; i++) {
@@ -213,9 +210,7 @@ TEST(ViewLayout, LaterSiblingsAreInFrontAndHiddenOnesAreNot)
 	Shown window(60, 20);
 	ColouredView* back = new ColouredView(BRect(0, 0, 39, 19), kRed);
 	ColouredView* front = new ColouredView(BRect(20, 0, 59, 19), kBlue);
-	window->AddChild(back);
-	window->AddChild(front);
-	window->ShowAndSettle();
+	window->ShowWith({back, front});
 	EXPECT_EQ(kRedPixel, window->Snapshot().At(19, 5));
 	EXPECT_EQ(kBluePixel, window->Snapshot().At(20, 5));
 	window->Do([&] { front->Hide(); });

@@ -15,7 +15,6 @@
 #include <deque>
 #include <memory>
 #include <random>
-#include <signal.h>
 #include <sys/resource.h>
 #include <thread>
 #include <vector>
@@ -64,17 +63,6 @@ TEST(Thread, ForeignThreadsHaveAnIdWhileTheyLive)
 	EXPECT_EQ(7, receive_data(&sender, nullptr, 0));
 	EXPECT_EQ(other, sender);
 	EXPECT_EQ(B_NOT_ALLOWED, kill_thread(mine)) << "there is no frame of ours to unwind to";
-}
-
-TEST(Thread, SignalsForTheProcessDoNotLandInIt)
-{
-	sigset_t mask;
-	Worker worker([&] { pthread_sigmask(SIG_SETMASK, nullptr, &mask); });
-	worker.Start().Join();
-	for (int signal : {SIGTERM, SIGHUP, SIGINT, SIGCHLD, SIGUSR1})
-		EXPECT_EQ(1, sigismember(&mask, signal)) << signal;
-	for (int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
-		EXPECT_EQ(0, sigismember(&mask, signal)) << signal;
 }
 
 TEST(Thread, AWakeUpBeforeTheSuspensionIsKept)

@@ -108,21 +108,3 @@ TEST(NodeInfo, AttributesDecideBeforeNames)
 	ASSERT_TRUE(set(file, "user.mime_type", "text/html"));
 	EXPECT_EQ(TypeOf(file), "text/html");
 }
-
-TEST(NodeInfo, NodesThatAreNoneAreRefused)
-{
-	TempTree tree{{"file.txt", Text()}};
-	char type[B_MIME_TYPE_LENGTH];
-	EXPECT_EQ(BNodeInfo().InitCheck(), B_NO_INIT);
-	EXPECT_EQ(BNodeInfo().GetType(type), B_NO_INIT);
-	EXPECT_EQ(BNodeInfo(nullptr).GetType(type), B_BAD_VALUE);
-	BNode missing(tree.Path("missing").c_str());
-	EXPECT_EQ(BNodeInfo(&missing).InitCheck(), B_BAD_VALUE);
-
-	BNode node(tree.Path("file.txt").c_str());
-	BNodeInfo info(&node);
-	EXPECT_EQ(info.InitCheck(), B_OK);
-	EXPECT_EQ(info.GetType(nullptr), B_BAD_VALUE);
-	node.Unset();
-	EXPECT_EQ(info.GetType(type), B_NO_INIT);
-}

@@ -108,22 +108,6 @@ TEST(Path, JoinsALeaf)
 	EXPECT_EQ(path.Append("etc"), B_NO_INIT);
 }
 
-TEST(Path, GoesUpToTheRoot)
-{
-	BPath path("/a/b");
-	EXPECT_STREQ(path.Leaf(), "b");
-	ASSERT_EQ(path.GetParent(&path), B_OK);
-	EXPECT_STREQ(path.Path(), "/a");
-	ASSERT_EQ(path.GetParent(&path), B_OK);
-	EXPECT_STREQ(path.Path(), "/");
-	EXPECT_STREQ(path.Leaf(), "");
-	EXPECT_EQ(path.GetParent(&path), B_ENTRY_NOT_FOUND);
-	EXPECT_STREQ(path.Path(), "/");
-	path.Unset();
-	EXPECT_EQ(path.GetParent(&path), B_NO_INIT);
-	EXPECT_EQ(path.Leaf(), nullptr);
-}
-
 TEST(GetRefForPath, TellsWhatIsWrong)
 {
 	TempTree tree{{"a/file", Text()}, {"link", Link("a")}, {"broken", Link("none")}};
