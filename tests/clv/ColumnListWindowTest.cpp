@@ -8,8 +8,6 @@
 #include "tests/support/Storm.h"
 #include "tests/support/Waiting.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 

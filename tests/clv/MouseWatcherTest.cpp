@@ -8,8 +8,6 @@
 #include "tests/support/ListenedWindow.h"
 #include "tests/support/Waiting.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 constexpr uint32 kPrimary = B_PRIMARY_MOUSE_BUTTON;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// A window for tests: shown on the test's platform, quit at the test's end.
+// A window for tests: shown on the test's platform, quit at the test's end. It brings gtest.
 
 #pragma once
 

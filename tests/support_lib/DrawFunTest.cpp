@@ -4,8 +4,6 @@
 
 #include "tests/support/TestWindow.h"
 
-#include <gtest/gtest.h>
-
 #include <functional>
 
 namespace {

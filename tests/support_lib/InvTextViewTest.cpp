@@ -6,8 +6,6 @@
 
 #include "tests/support/ListenedWindow.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 int gDeleted = 0;

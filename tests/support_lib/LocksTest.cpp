@@ -5,29 +5,14 @@
 #include "support/Queue.h"
 #include "support/UpdateCounter.h"
 
+#include "tests/support/Printed.h"
 #include "tests/support/Storm.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <deque>
-#include <functional>
 #include <memory>
-#include <string>
 #include <thread>
-
-namespace {
-
-std::string
-PrintedBy(const std::function<void()>& action)
-{
-	testing::internal::CaptureStdout();
-	action();
-	std::fflush(stdout);
-	return testing::internal::GetCapturedStdout();
-}
-
-} // namespace
 
 TEST(Benaphore, OneThreadAtATimeIsInside)
 {

@@ -3,23 +3,7 @@
 #include <app/Message.h>
 #include <app/Messenger.h>
 
-#include <gtest/gtest.h>
-
-#include <cstdio>
-#include <string>
-
-namespace {
-
-std::string
-Printed(const BMessage& message)
-{
-	testing::internal::CaptureStdout();
-	message.PrintToStream();
-	std::fflush(stdout);
-	return testing::internal::GetCapturedStdout();
-}
-
-} // namespace
+#include "tests/support/Printed.h"
 
 TEST(MessagePrint, EachTypeIsReadable)
 {
@@ -41,7 +25,7 @@ TEST(MessagePrint, EachTypeIsReadable)
 	BMessage inner('in  ');
 	inner.AddString("text", "hello");
 	message.AddMessage("inner", &inner);
-	EXPECT_EQ(Printed(message),
+	EXPECT_EQ(PrintedBy([&] { message.PrintToStream(); }),
 		"BMessage: what = 'SFld' (0x53466c64)\n"
 		"    int8[0] 'BYTE': -128\n"
 		"    int16[0] 'SHRT': 300\n"
@@ -69,7 +53,7 @@ TEST(MessagePrint, NamesCannotUpsetTheTerminal)
 	ref = entry_ref();
 	message.AddRef("ref", &ref);
 	message.AddString("text", "caf\xc3\xa9\t");
-	EXPECT_EQ(Printed(message),
+	EXPECT_EQ(PrintedBy([&] { message.PrintToStream(); }),
 		"BMessage: what = 7 (0x7)\n"
 		"    ref[0] 'RREF': device 5, directory 12, \"line\\x0abreak\\x1b[2J\"\n"
 		"    ref[1] 'RREF': device -1, directory -1, no name\n"

@@ -202,34 +202,29 @@ TEST(Message, RandomChangesAgreeWithAPlainModel)
 		bool exists = field != model.end();
 		bool inRange = exists && index < static_cast<int32>(field->second.size());
 		status_t expected = inRange ? B_OK : exists ? B_BAD_INDEX : B_NAME_NOT_FOUND;
-		switch (random() % 8) {
-			case 0:
-				EXPECT_EQ(message.ReplaceString(name.c_str(), index, value.c_str()), expected);
-				if (inRange)
-					field->second[index] = value;
-				break;
-			case 1:
-			case 2:
-				EXPECT_EQ(message.RemoveData(name.c_str(), index), expected);
-				if (inRange)
-					field->second.erase(field->second.begin() + index);
-				if (exists && field->second.empty())
-					model.erase(field);
-				break;
-			case 3:
-				EXPECT_EQ(message.RemoveName(name.c_str()), exists ? B_OK : B_NAME_NOT_FOUND);
-				if (exists)
-					model.erase(field);
-				break;
-			case 4:
-				message = step % 2 == 0 ? BMessage(message) : BMessage(std::move(message));
-				break;
-			default:
-				EXPECT_EQ(message.AddString(name.c_str(), value.c_str()), B_OK);
-				if (exists)
-					field->second.push_back(value);
-				else
-					model.push_back({name, {value}});
+		const unsigned what = random() % 8;
+		if (what == 0) {
+			EXPECT_EQ(message.ReplaceString(name.c_str(), index, value.c_str()), expected);
+			if (inRange)
+				field->second[index] = value;
+		} else if (what < 3) {
+			EXPECT_EQ(message.RemoveData(name.c_str(), index), expected);
+			if (inRange)
+				field->second.erase(field->second.begin() + index);
+			if (exists && field->second.empty())
+				model.erase(field);
+		} else if (what == 3) {
+			EXPECT_EQ(message.RemoveName(name.c_str()), exists ? B_OK : B_NAME_NOT_FOUND);
+			if (exists)
+				model.erase(field);
+		} else if (what == 4) {
+			message = step % 2 == 0 ? BMessage(message) : BMessage(std::move(message));
+		} else {
+			EXPECT_EQ(message.AddString(name.c_str(), value.c_str()), B_OK);
+			if (exists)
+				field->second.push_back(value);
+			else
+				model.push_back({name, {value}});
 		}
 
 		Model read;

@@ -9,8 +9,6 @@
 #include "tests/support/ListenedWindow.h"
 #include "tests/support/Waiting.h"
 
-#include <gtest/gtest.h>
-
 #include <future>
 #include <thread>
 
@@ -100,22 +98,6 @@ TEST(Alert, ButtonsStandInOrderAtTheRight)
 	EXPECT_EQ(alert->DefaultButton(), alert->ButtonAt(2));
 	EXPECT_EQ(alert->ButtonAt(3), nullptr);
 	alert->Quit();
-}
-
-TEST(Alert, OtherWindowsTakeNoInputWhileItIsOpen)
-{
-	BButton* button = NewButton();
-	ListenedWindow window(200, 200, button);
-	std::future<int32> answer = Ask("modal");
-	InjectedUser user("modal");
-	window.User().Click(20, 20);
-	window.Settle();
-	EXPECT_TRUE(window->Take('push').empty());
-	Answer(user, B_ENTER);
-	EXPECT_EQ(AnswerOf(answer), 1);
-	window.User().Click(20, 20);
-	window.Settle();
-	EXPECT_EQ(window->Take('push').size(), 1u);
 }
 
 TEST(Alert, OnlyALoopersAlertKeepsAWindowOpen)

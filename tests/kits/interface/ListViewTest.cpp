@@ -7,8 +7,6 @@
 
 #include "tests/support/ListenedWindow.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <memory>
 #include <random>

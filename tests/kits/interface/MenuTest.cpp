@@ -22,7 +22,6 @@ class Listener : public BView {
 public:
 	Listener() : BView(BRect(0, 0, 2000, 2000), "page", B_FOLLOW_ALL_SIDES, B_WILL_DRAW) {}
 
-	void Draw(BRect) override { draws++; }
 	void MouseDown(BPoint) override
 	{
 		downs++;
@@ -32,7 +31,6 @@ public:
 	void MouseMoved(BPoint, uint32, const BMessage*) override { moves++; }
 	void WindowActivated(bool) override { activations++; }
 
-	std::atomic<int> draws = 0;
 	std::atomic<int> downs = 0;
 	std::atomic<int> ups = 0;
 	std::atomic<int> moves = 0;
@@ -210,21 +208,6 @@ TEST_F(Menu, TellsOtherWindowsOfTheReleaseToo)
 	EXPECT_EQ(page->ups, 1);
 	fUser->KeyDown({B_ESCAPE});
 	Choice();
-}
-
-TEST_F(Menu, TheWindowBehindPaintsButHandlesNothing)
-{
-	Open();
-	const int draws = fPage->draws;
-	fWindow->PostMessage('ping');
-	fUser->Resize(400, 350);
-	EXPECT_TRUE(WaitUntil([&] { return fPage->draws > draws; }));
-	EXPECT_TRUE(fWindow->Take('ping').empty());
-	fUser->KeyDown({B_ESCAPE});
-	EXPECT_EQ(Choice(), nullptr);
-	fWindow->Settle();
-	EXPECT_EQ(fWindow->Take('ping').size(), 1u);
-	EXPECT_EQ(fPage->activations, 0) << "a menu leaves its window active";
 }
 
 TEST_F(Menu, ClosesWhenTheWindowOrTheProgramIsToQuit)

@@ -29,46 +29,32 @@ Edge(int32 logical)
 	return static_cast<int32>(std::floor(logical * Scale() + 0.5));
 }
 
-// What a window should show: one colour for each logical pixel.
-class Expected {
-public:
-	Expected(int32 columns, int32 rows, uint32 colour) :
-		fColumns(columns), fRows(rows), fPixels(static_cast<size_t>(columns * rows), colour)
-	{}
+// What a window should show, by its logical pixels.
+struct Expected : InjectedUser::Picture {
+	Expected(int32 columns, int32 rows, uint32 colour)
+	{
+		width = Edge(columns);
+		height = Edge(rows);
+		pixels.assign(static_cast<size_t>(width * height), colour);
+	}
 
 	void Fill(int32 left, int32 top, int32 right, int32 bottom, uint32 colour)
 	{
-		for (int32 y = top; y <= bottom; y++) {
-			for (int32 x = left; x <= right; x++)
-				fPixels[static_cast<size_t>(y * fColumns + x)] = colour;
+		for (int32 y = Edge(top); y < Edge(bottom + 1); y++) {
+			for (int32 x = Edge(left); x < Edge(right + 1); x++)
+				pixels[static_cast<size_t>(y * width + x)] = colour;
 		}
 	}
 
 	void Compare(const InjectedUser::Picture& picture) const
 	{
-		ASSERT_EQ(Edge(fColumns), picture.width);
-		ASSERT_EQ(Edge(fRows), picture.height);
-		for (int32 y = 0; y < fRows; y++) {
-			for (int32 x = 0; x < fColumns; x++)
-				ComparePixel(picture, x, y);
+		ASSERT_EQ(width, picture.width);
+		ASSERT_EQ(height, picture.height);
+		for (int32 y = 0; y < height; y++) {
+			for (int32 x = 0; x < width; x++)
+				ASSERT_EQ(At(x, y), picture.At(x, y)) << "device " << x << "," << y;
 		}
 	}
-
-private:
-	void ComparePixel(const InjectedUser::Picture& picture, int32 x, int32 y) const
-	{
-		for (int32 deviceY = Edge(y); deviceY < Edge(y + 1); deviceY++) {
-			for (int32 deviceX = Edge(x); deviceX < Edge(x + 1); deviceX++) {
-				ASSERT_EQ(
-					fPixels[static_cast<size_t>(y * fColumns + x)], picture.At(deviceX, deviceY))
-					<< "logical " << x << "," << y << " device " << deviceX << "," << deviceY;
-			}
-		}
-	}
-
-	int32 fColumns;
-	int32 fRows;
-	std::vector<uint32> fPixels;
 };
 
 constexpr uint32 kRed = 0xffff0000, kBlue = 0xff0000ff, kGreen = 0xff00ff00, kBlack = 0xff000000;

@@ -8,8 +8,6 @@
 #include "tests/support/ListenedWindow.h"
 #include "tests/support/Waiting.h"
 
-#include <gtest/gtest.h>
-
 #include <future>
 
 using BPrivate::ScrollBarLayout;

@@ -7,8 +7,6 @@
 
 #include "tests/support/ListenedWindow.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 constexpr uint32 kSent = 'sent';

@@ -10,8 +10,6 @@
 #include "tests/support/ListenedWindow.h"
 #include "tests/support/Waiting.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 
 namespace {

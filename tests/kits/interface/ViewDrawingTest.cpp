@@ -7,8 +7,6 @@
 #include "tests/support/TestWindow.h"
 #include "tests/support/Waiting.h"
 
-#include <gtest/gtest.h>
-
 #include <functional>
 
 namespace {

@@ -8,8 +8,6 @@
 #include "tests/support/TestWindow.h"
 #include "tests/support/Waiting.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 

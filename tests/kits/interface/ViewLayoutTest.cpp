@@ -5,8 +5,6 @@
 #include "tests/support/Storm.h"
 #include "tests/support/TestWindow.h"
 
-#include <gtest/gtest.h>
-
 #include <random>
 #include <utility>
 

@@ -13,8 +13,6 @@
 #include "tests/support/TestWindow.h"
 #include "tests/support/Waiting.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <mutex>
 #include <thread>
