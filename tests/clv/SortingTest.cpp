@@ -125,27 +125,6 @@ TEST(Sorting, OnlyTheAnswerOneMovesRowsOfAnOutline)
 	EXPECT_EQ(list->FullListItemAt(2), list->rows[0].get());
 }
 
-TEST(Sorting, ReversingGoesRoundInThree)
-{
-	LooseList list(false);
-	list->SetSortFunction(CompareKeys);
-	CLVColumn* column = list->NewColumn(CLV_COLUMN_SORTABLE);
-	for (const int key : {2, 3, 1})
-		list->AddItem(list->NewRow(key));
-	list->SetSortKey(0);
-	EXPECT_EQ(list->Shown(), (std::vector<int>{1, 2, 3}));
-	list->ReverseSortMode(0);
-	EXPECT_EQ(list->Shown(), (std::vector<int>{3, 2, 1}));
-	EXPECT_EQ(list->FullListItemAt(0), list->ItemAt(0));
-	EXPECT_EQ(KeysOf(list.list), (Keys{{0}, {CLV_SORT_DESCENDING}}));
-	list->ReverseSortMode(0);
-	EXPECT_EQ(KeysOf(list.list), (Keys{}));
-	list->ReverseSortMode(0);
-	EXPECT_EQ(column->SortMode(), CLV_SORT_ASCENDING);
-	EXPECT_EQ(KeysOf(list.list), (Keys{})); // not a key again by that
-	EXPECT_EQ(list->Shown(), (std::vector<int>{3, 2, 1}));
-}
-
 TEST(Sorting, FurtherKeysDecideBetweenEqualRows)
 {
 	LooseList list(false);

@@ -118,24 +118,6 @@ TEST(Looper, CallsThroughAStalePointerFail)
 	EXPECT_EQ(B_BAD_PORT_ID, messenger.SendMessage(&message, &reply));
 }
 
-TEST(Looper, QuitRequestedMayRefuse)
-{
-	class Stubborn : public BLooper {
-	public:
-		bool QuitRequested() override { return ++asked > 1; }
-		std::atomic<int> asked = 0;
-	};
-	Stubborn* looper = new Stubborn;
-	looper->Run();
-	BMessenger messenger(looper);
-	looper->PostMessage(B_QUIT_REQUESTED);
-	ASSERT_TRUE(WaitUntil([&] { return looper->asked == 1; }));
-	EXPECT_TRUE(looper->Lock());
-	looper->Unlock();
-	looper->PostMessage(B_QUIT_REQUESTED);
-	EXPECT_TRUE(WaitUntil([&] { return !messenger.IsValid(); }));
-}
-
 TEST(Looper, SendersThatWaitAreTold)
 {
 	Recorder* looper = new Recorder;

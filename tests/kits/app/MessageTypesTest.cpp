@@ -208,27 +208,5 @@ TEST(Message, NullArgumentsAreRefused)
 	EXPECT_EQ(message.AddData("d", B_RAW_TYPE, nullptr, 1), B_BAD_VALUE);
 	EXPECT_EQ(message.AddData("d", B_RAW_TYPE, "", -1), B_BAD_VALUE);
 	EXPECT_EQ(message.AddData("d", B_ANY_TYPE, "", 1), B_BAD_VALUE);
-	EXPECT_EQ(message.RemoveName(nullptr), B_BAD_VALUE);
-	EXPECT_EQ(message.RemoveData(nullptr), B_BAD_VALUE);
-	EXPECT_EQ(message.GetInfo(nullptr, nullptr), B_BAD_VALUE);
 	EXPECT_TRUE(message.IsEmpty());
-}
-
-TEST(Message, CopiesAreIndependent)
-{
-	std::vector<TypeCase> types = AllTypes();
-	BMessage message = FullMessage(types);
-	const BMessage copy(message);
-	BMessage assigned;
-	assigned.AddString("old", "goes");
-	assigned = message;
-	for (size_t i = 0; i < types.size(); i++)
-		message.RemoveName(std::to_string(i).c_str());
-	EXPECT_TRUE(message.IsEmpty());
-	EXPECT_FALSE(assigned.HasString("old"));
-	for (const BMessage* each : {&copy, &static_cast<const BMessage&>(assigned)}) {
-		EXPECT_EQ(each->what, static_cast<uint32>('full'));
-		for (size_t i = 0; i < types.size(); i++)
-			EXPECT_EQ(types[i].find(*each, std::to_string(i).c_str(), 2, 2), B_OK);
-	}
 }

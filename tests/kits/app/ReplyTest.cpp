@@ -111,22 +111,6 @@ TEST(Reply, ASenderWhoseTimeIsUpIsNotAnsweredAnyMore)
 	EXPECT_EQ(ready.Answer(0), static_cast<uint32>('now '));
 }
 
-TEST(Reply, AWaitingThreadIsWokenByTheAnswer)
-{
-	for (int round = 0; round < 200; round++) {
-		Delivered delivered;
-		int32 answer = 0;
-		std::thread sender([&] { answer = WaitForAnswer(&delivered.slot); });
-		uint32 expected = round % 2 == 0 ? uint32{'word'} : uint32{B_NO_REPLY};
-		if (round % 2 == 0)
-			delivered.message->SendReply('word');
-		else
-			delivered.message.reset();
-		sender.join();
-		EXPECT_EQ(static_cast<uint32>(answer), expected);
-	}
-}
-
 TEST(Reply, AKilledSenderIsFreedAndNotAnswered)
 {
 	Delivered delivered;

@@ -318,19 +318,3 @@ TEST_F(Menu, ANewOneClosesTheOneThatIsOpen)
 	fUser->KeyDown({B_ENTER});
 	EXPECT_EQ(choice.get(), other.ItemAt(0));
 }
-
-TEST(MenuItems, BelongToOneMenu)
-{
-	BMenu menu("menu"), other("other");
-	auto* item = new BMenuItem("item", new BMessage('code'));
-	EXPECT_TRUE(menu.AddItem(item));
-	EXPECT_FALSE(other.AddItem(item));
-	EXPECT_EQ(menu.FindItem("item"), item);
-	EXPECT_EQ(menu.FindItem('code'), item);
-	EXPECT_EQ(menu.FindItem('none'), nullptr);
-	EXPECT_EQ(menu.RemoveItem(0), item);
-	EXPECT_EQ(item->Menu(), nullptr);
-	EXPECT_TRUE(other.AddItem(item));
-	delete item;
-	EXPECT_EQ(other.CountItems(), 0);
-}

@@ -45,18 +45,13 @@ public:
 	{
 		SetViewColor(color);
 	}
-	void FrameMoved(BPoint where) override
-	{
-		moves++;
-		lastWhere = where;
-	}
+	void FrameMoved(BPoint) override { moves++; }
 	void FrameResized(float width, float) override
 	{
 		resizes++;
 		lastWidth = width;
 	}
 	int moves = 0, resizes = 0;
-	BPoint lastWhere;
 	float lastWidth = 0;
 };
 
@@ -183,24 +178,6 @@ TEST(WindowFrame, HooksTellEveryChangeOnceInTheWindowsThread)
 		window->ResizeTo(144.9f, 90);
 	});
 	window->Do([&] { EXPECT_EQ("", window->told) << "nothing has changed"; });
-}
-
-TEST(ViewLayout, FrameEventsComeOnceForABurstOfChanges)
-{
-	Shown window(100, 80);
-	ColouredView* view = new ColouredView(BRect(0, 0, 9, 9), kRed, B_FOLLOW_NONE, B_FRAME_EVENTS);
-	window->ShowWith({view});
-	EXPECT_EQ(0, view->moves + view->resizes); // attaching tells nothing
-	window->Do([&] {
-		for (int i = 1; i <= 5; i++) {
-			view->MoveTo(i, 2 * i);
-			view->ResizeTo(10 + i, 20 + i);
-		}
-	});
-	EXPECT_EQ(1, view->moves);
-	EXPECT_EQ(BPoint(5, 10), view->lastWhere);
-	EXPECT_EQ(1, view->resizes);
-	EXPECT_EQ(15, view->lastWidth);
 }
 
 TEST(ViewLayout, LaterSiblingsAreInFrontAndHiddenOnesAreNot)

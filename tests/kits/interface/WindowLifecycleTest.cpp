@@ -153,16 +153,14 @@ void
 Renew(Places& places, int index, Dice& dice)
 {
 	StormWindow* window = new StormWindow;
+	const Place place = {window, BMessenger(window)};
 	const int what = dice(6);
 	if (what == 0) { // never shown
 		window->Quit();
 		return;
 	}
-	const Place place = {window, BMessenger(window)};
-	if (what == 1)
-		place.messenger.SendMessage(kMsgQuitInside);
-	else if (what == 2)
-		place.messenger.SendMessage(B_QUIT_REQUESTED);
+	if (what < 3)
+		place.messenger.SendMessage(what == 1 ? kMsgQuitInside : uint32(B_QUIT_REQUESTED));
 	else
 		places.Set(index, place);
 	window->Show();
@@ -175,23 +173,18 @@ DoSomething(Places& places, Dice& dice)
 {
 	const int index = dice(Places::kCount);
 	const Place place = places.Get(index);
-	if (!place.messenger.IsValid()) {
-		Renew(places, index, dice);
-		return;
-	}
+	if (!place.messenger.IsValid())
+		return Renew(places, index, dice);
 	if (dice(4) == 0) {
-		InjectedUser::ClickAnyWindow(static_cast<uint32>(dice(8)), static_cast<float>(dice(200)),
-			static_cast<float>(dice(200)));
-		return;
+		return InjectedUser::ClickAnyWindow(static_cast<uint32>(dice(8)),
+			static_cast<float>(dice(200)), static_cast<float>(dice(200)));
 	}
-	if (dice(16) == 0) {
+	if (dice(16) == 0)
 		place.messenger.SendMessage(kMsgQuitInside);
-		return;
-	}
 	// By the messenger, since another window may have come to where this one was.
 	if (!place.messenger.LockTarget())
 		return;
-	switch (dice(12)) {
+	switch (dice(10)) {
 		case 0:
 			place.window->Quit();
 			return;
@@ -204,13 +197,7 @@ DoSomething(Places& places, Dice& dice)
 		case 3:
 			place.window->ResizeTo(static_cast<float>(100 + dice(100)), 150);
 			break;
-		case 4:
-			place.window->SetTitle("another title");
-			break;
-		case 5:
-			place.window->UpdateIfNeeded();
-			break;
-		case 6: {
+		case 4: {
 			BMessage active(B_WINDOW_ACTIVATED);
 			active.AddBool("active", dice(2) == 0);
 			place.messenger.SendMessage(&active);
@@ -236,16 +223,11 @@ TEST(WindowLifecycle, WindowsAndViewsInAStormOfThreads)
 	const int rounds = Rounds(300, 20000);
 	sWindows = sViews = 0;
 	Places places;
-	std::vector<std::thread> threads;
-	for (unsigned i = 0; i < 4; i++) {
-		threads.emplace_back([&places, rounds, i] {
-			Dice dice(20261125 + i);
-			for (int j = 0; j < rounds; j++)
-				DoSomething(places, dice);
-		});
-	}
-	for (std::thread& thread : threads)
-		thread.join();
+	InThreads(4, [&places, rounds](int thread) {
+		Dice dice(20261125 + static_cast<unsigned>(thread));
+		for (int i = 0; i < rounds; i++)
+			DoSomething(places, dice);
+	});
 	for (int i = 0; i < Places::kCount; i++)
 		QuitLater(places.Get(i).messenger, places.Get(i).window);
 	EXPECT_TRUE(WaitUntil([] { return sWindows == 0; })) << sWindows << " are left";
