@@ -156,6 +156,29 @@ TEST(Canvas, InvertsEveryPixelOfAnOutlineOrLineOnce)
 	}
 }
 
+TEST(Canvas, MovesPixelsOntoThemselvesAsIfDrawnThere)
+{
+	const auto cross = [](Canvas& canvas, int32 x, int32 y) {
+		Ink white;
+		white.high = {255, 255, 255};
+		canvas.FillRect(PixelRect{0, 0, 19, 19}.Offset(x, y), white);
+		for (int32 i = 0; i < 20; i++) {
+			canvas.FillRect(PixelRect{i, i, i, i}.Offset(x, y), Ink());
+			canvas.FillRect(PixelRect{19 - i, i, 19 - i, i}.Offset(x, y), RedInk());
+		}
+	};
+	for (const double scale : {1.0, 1.25, 1.5, 2.0}) {
+		for (const auto& [dx, dy] : {std::pair{0, 3}, {0, -3}, {4, 0}, {-5, 2}, {1, -1}}) {
+			Canvas moved(40, 40, scale), expected(40, 40, scale);
+			cross(moved, 10, 10);
+			moved.MovePixels({10, 10, 29, 29}, dx, dy);
+			cross(expected, 10, 10);
+			cross(expected, 10 + dx, 10 + dy);
+			EXPECT_EQ(Letters(moved), Letters(expected)) << scale << " " << dx << " " << dy;
+		}
+	}
+}
+
 TEST(Canvas, MovesOnlyWhatStaysInside)
 {
 	Canvas canvas(4, 3, 1);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include <desktop/BuiltinIcons.h>
 #include <desktop/GuiThread.h>
 #include <desktop/IconTheme.h>
 #include <desktop/Types.h>
@@ -10,6 +11,8 @@
 #include <QBuffer>
 #include <QImage>
 #include <gtest/gtest.h>
+
+#include <set>
 
 using namespace desktop;
 
@@ -52,6 +55,21 @@ Found(const IconTheme& theme, const std::vector<std::string>& names, int32 size 
 }
 
 } // namespace
+
+TEST(BuiltinIcons, EachIsDifferentFromTheOthers)
+{
+	constexpr int kIcons = int(BuiltinIcon::kUnknown) + 1;
+	for (int32 size : {16, 32, 64}) {
+		std::set<std::string> seen;
+		for (int i = 0; i < kIcons; i++) {
+			const QImage image = DrawBuiltinIcon(BuiltinIcon(i), size);
+			ASSERT_EQ(image.size(), QSize(size, size));
+			seen.emplace(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes());
+			EXPECT_EQ(qAlpha(image.pixel(size / 2, size / 2)), 255) << i;
+		}
+		EXPECT_EQ(seen.size(), size_t(kIcons)) << size;
+	}
+}
 
 TEST(IconTheme, TheNearestSizeIsTaken)
 {
@@ -124,21 +142,6 @@ TEST(IconTheme, OwnPicturesComeBeforeInheritedOnes)
 	// A theme that is missing, or no theme's name, leaves the last one.
 	for (const char* name : {"missing", "", "../own", "."})
 		EXPECT_EQ(Found(IconTheme({tree.Path()}, name), {"last"}), QColor(Qt::blue)) << name;
-}
-
-TEST(Types, EveryTypeHasAnIconInEachSize)
-{
-	for (const char* type : {kFolderType, kLinkType, kBrokenLinkType, kUnknownType, "text/plain",
-			 "image/png", "no/such", "nonsense", ""}) {
-		for (int32 size : {16, 32, 64}) {
-			const IconPixels icon = LoadTypeIcon(type, size);
-			EXPECT_EQ(icon.size, size) << type;
-			ASSERT_EQ(icon.pixels.size(), size_t(size * size)) << type;
-			EXPECT_TRUE(std::any_of(icon.pixels.begin(), icon.pixels.end(), [](uint32 pixel) {
-				return pixel >> 24 == 255;
-			})) << type;
-		}
-	}
 }
 
 TEST(Types, ThreadsMayAskAtOnce)

@@ -133,20 +133,6 @@ TEST_F(WindowTest, PresentsTheRegionAndNothingElse)
 	EXPECT_EQ(picture.BoundsOf(kBlue), (PixelRect{10, 10, 199, 99}));
 }
 
-TEST_F(WindowTest, TellsItsNewSizeAndTakesThatPictureWhole)
-{
-	fUser.Resize(300, 50);
-	EXPECT_EQ(fClient.Take(), "resized 300x50");
-	fCanvas.Resize(300, 50, 1);
-	Paint({0, 0, 255});
-	fWindow.Present(fCanvas, PixelRect{0, 0, 0, 0});
-	EXPECT_EQ(fUser.Snapshot().Count(kBlue), 300 * 50);
-	fWindow.ResizeTo(120, 110);
-	fWindow.MoveTo(5, 6);
-	fUser.Snapshot();
-	EXPECT_EQ(fClient.Take(), "resized 120x110; at 5,6");
-}
-
 TEST_F(WindowTest, PadsThePictureOfAClientThatIsBusy)
 {
 	fUser.Resize(210, 100);
@@ -270,14 +256,4 @@ TEST_F(WindowTest, TheMenuKeyIsHeldAndScrollLockSwitches)
 	fClient.Take();
 	fUser.ModifierKey(B_SCROLL_LOCK, true);
 	EXPECT_EQ(fClient.Take(), "modifiers 0");
-}
-
-TEST_F(WindowTest, ComposedTextArrivesAsAKeyWhereItIsWanted)
-{
-	EXPECT_FALSE(fUser.Compose("\xc3\xa9"));
-	EXPECT_EQ(fClient.Take(), "");
-	fWindow.SetTextInput(true, {10, 10, 11, 24});
-	EXPECT_TRUE(fUser.Compose("\xe6\x97\xa5\xe6\x9c\xac"));
-	EXPECT_EQ(fClient.Take(), "key \xe6\x97\xa5\xe6\x9c\xac");
-	EXPECT_EQ(fClient.LastKey().rawChar, 0);
 }

@@ -44,17 +44,6 @@ PaletteColor(uint8 index)
 
 } // namespace
 
-TEST(Bitmap, PaletteHasGreysWhiteAndTransparency)
-{
-	EXPECT_EQ(PaletteColor(0), 0xff000000);
-	EXPECT_EQ(PaletteColor(0x12), 0xff909090);
-	EXPECT_EQ(PaletteColor(31), 0xfff8f8f8);
-	EXPECT_EQ(PaletteColor(0x3f), 0xffffffff);
-	EXPECT_EQ(PaletteColor(0xff) >> 24, 0u);
-	EXPECT_EQ(IndexOf(0xffffffff), 0x3f);
-	EXPECT_EQ(IndexOf(0x7f102030), 0xff);
-}
-
 TEST(Bitmap, TheNearestColourOfThePaletteIsTaken)
 {
 	uint32 palette[256];

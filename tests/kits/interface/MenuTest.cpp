@@ -305,6 +305,27 @@ TEST_F(Menu, ALongOneScrollsByTheWheel)
 	EXPECT_EQ(Choice(), fMenu->ItemAt(104));
 }
 
+TEST_F(Menu, SubmenusOpenBesideTheirItem)
+{
+	auto* submenu = new BMenu("More");
+	submenu->AddItem(new BMenuItem("first", nullptr));
+	submenu->AddItem(new BMenuItem("second", nullptr));
+	fMenu->AddItem(submenu);
+	Open();
+	for (const char* key : {"m", "\x1d", "\x1f", "\n"})
+		fUser->KeyDown(key);
+	EXPECT_EQ(Choice(), submenu->ItemAt(1));
+
+	Open();
+	MoveTo(5);
+	InjectedUser seen("submenu"); // after a moment
+	const BPrivate::MenuRows rows(*fMenu);
+	const BPoint first = Row(5) + BPoint(static_cast<float>(rows.Width()), 0);
+	fUser->Move(first.x, first.y);
+	fUser->Click(first.x, first.y);
+	EXPECT_EQ(Choice(), submenu->ItemAt(0));
+}
+
 TEST_F(Menu, ANewOneClosesTheOneThatIsOpen)
 {
 	Open();

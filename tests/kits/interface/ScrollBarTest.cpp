@@ -80,23 +80,6 @@ TEST(ScrollBarLayout, ThumbCoversItsShareAndComesBackFromItsPlace)
 	EXPECT_EQ(ScrollBarLayout(128, 14, 0, 1e6, 0.0001, 0).ThumbLength(), 8);
 }
 
-TEST(ScrollBar, BarAndTargetFollowEachOtherWithoutEcho)
-{
-	Scene scene;
-	scene.window.Under([&] {
-		scene.page->scrolls = 0;
-		scene.bar->SetValue(120);
-		EXPECT_EQ(scene.page->scrolls, 1);
-		EXPECT_EQ(scene.page->Bounds().top, 120);
-		scene.page->ScrollTo(0, 77);
-		EXPECT_EQ(scene.bar->Value(), 77);
-		EXPECT_EQ(scene.page->scrolls, 2);
-		// The offset is limited to the range.
-		scene.page->ScrollTo(0, 10000);
-		EXPECT_EQ(scene.page->Bounds().top, 500);
-	});
-}
-
 TEST(ScrollBar, LinkLastsUntilOneOfThemIsDeleted)
 {
 	Page* page = new Page(BRect(0, 0, 99, 99));
@@ -114,16 +97,6 @@ TEST(ScrollBar, LinkLastsUntilOneOfThemIsDeleted)
 	EXPECT_EQ(bar->Target(), nullptr);
 	bar->SetValue(10);
 	delete scroll;
-}
-
-TEST(ScrollView, FrameIsTheTargetsGrownByBarsAndBorder)
-{
-	Page* page = new Page(BRect(30, 40, 129, 89));
-	BScrollView scroll("scroll", page, B_FOLLOW_NONE, 0, true, true);
-	EXPECT_EQ(scroll.Frame(), BRect(28, 38, 129 + 16, 89 + 16));
-	EXPECT_EQ(page->Frame(), BRect(2, 2, 101, 51));
-	EXPECT_EQ(scroll.ScrollBar(B_VERTICAL)->Frame(), BRect(102, 2, 115, 51));
-	EXPECT_EQ(scroll.ScrollBar(B_HORIZONTAL)->Frame(), BRect(2, 52, 101, 65));
 }
 
 TEST(ScrollBar, ArrowsAndTroughStepAndRepeatWhileHeld)
