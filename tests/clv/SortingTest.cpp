@@ -125,6 +125,23 @@ TEST(Sorting, OnlyTheAnswerOneMovesRowsOfAnOutline)
 	EXPECT_EQ(list->FullListItemAt(2), list->rows[0].get());
 }
 
+TEST(Sorting, ReversingGoesRoundInThree)
+{
+	LooseList list(false);
+	list->SetSortFunction(CompareKeys);
+	list->NewColumn(CLV_COLUMN_SORTABLE);
+	for (const int key : {2, 3, 1})
+		list->AddItem(list->NewRow(key));
+	list->SetSortKey(0);
+	EXPECT_EQ(list->Shown(), (std::vector<int>{1, 2, 3}));
+	list->ReverseSortMode(0);
+	EXPECT_EQ(list->Shown(), (std::vector<int>{3, 2, 1}));
+	list->ReverseSortMode(0);
+	EXPECT_EQ(KeysOf(list.list), (Keys{}));
+	list->ReverseSortMode(0);
+	EXPECT_EQ(KeysOf(list.list), (Keys{})); // not a key again by that
+}
+
 TEST(Sorting, FurtherKeysDecideBetweenEqualRows)
 {
 	LooseList list(false);

@@ -80,6 +80,15 @@ TEST(ScrollBarLayout, ThumbCoversItsShareAndComesBackFromItsPlace)
 	EXPECT_EQ(ScrollBarLayout(128, 14, 0, 1e6, 0.0001, 0).ThumbLength(), 8);
 }
 
+TEST(ScrollBar, ValuesAreWholeAndWithinTheRange)
+{
+	BScrollBar bar(BRect(0, 0, 13, 99), "bar", nullptr, 0, 100.5f, B_VERTICAL);
+	bar.SetValue(7.6f);
+	EXPECT_EQ(bar.Value(), 8);
+	bar.SetValue(1000);
+	EXPECT_EQ(bar.Value(), 100);
+}
+
 TEST(ScrollBar, LinkLastsUntilOneOfThemIsDeleted)
 {
 	Page* page = new Page(BRect(0, 0, 99, 99));
@@ -107,11 +116,13 @@ TEST(ScrollBar, ArrowsAndTroughStepAndRepeatWhileHeld)
 	EXPECT_EQ(scene.Offset(), 10);
 	scene.window.User().Click(kBarX, kBarTop + 80);
 	EXPECT_EQ(scene.Value(), 100);
+	scene.window.User().Click(kBarX, kBarTop + 16);
+	EXPECT_EQ(scene.Value(), 10);
 	scene.window.User().Click(kBarX, kBarTop + 3);
-	EXPECT_EQ(scene.Value(), 90);
+	EXPECT_EQ(scene.Value(), 0);
 	// Held until it has gone on by itself.
 	scene.window.User().Press(kBarX, kBarTop + 95);
-	EXPECT_TRUE(WaitUntil([&] { return scene.Value() >= 130; }));
+	EXPECT_TRUE(WaitUntil([&] { return scene.Value() >= 40; }));
 	scene.window.User().Release(kBarX, kBarTop + 95);
 	float stopped = scene.Value();
 	// Three times what lies between two repetitions.

@@ -228,6 +228,10 @@ TEST_F(TextViewTest, ComposedTextIsShownButNoPartOfTheText)
 	ClickAt(0);
 	EXPECT_EQ(window.Under([&] { return view->PointAt(1).x; }),
 		window.Under([&] { return 2 + be_plain_font->StringWidth("a"); }));
+	Set("");
+	user.ShowComposing("        ", 8);
+	window.Settle();
+	EXPECT_GT(user.Snapshot().BoundsOf(0xff000000).Width(), 10) << "underlined";
 	window.Get()->Do([&] { view->MakeFocus(false); });
 	EXPECT_TRUE(WaitUntil([&] { return user.InputCaret().IsEmpty(); }));
 	EXPECT_FALSE(user.Compose("no"));
