@@ -18,6 +18,17 @@ TEST(Column, WidthsNeverFallBelowTheLeastOne)
 	EXPECT_EQ(column.Width(), 30);
 }
 
+TEST(Column, AnExpanderKeepsOnlySomeFlags)
+{
+	CLVColumn all("label", 300, 0x3ff, 100);
+	EXPECT_EQ(all.Label(), nullptr);
+	EXPECT_EQ(all.Width(), 20);
+	EXPECT_EQ(all.MinWidth(), 20);
+	EXPECT_EQ(all.Flags(), uint32((0x3ff & 0xaa) | 0x144));
+	CLVColumn plain("label", 0, CLV_COLUMN_EXPANDER, 0);
+	EXPECT_EQ(plain.Flags(), 0x144u);
+}
+
 TEST(Column, OnlyAnOutlineTakesOneExpander)
 {
 	LooseList flat(false), outline(true);

@@ -44,6 +44,15 @@ PaletteColor(uint8 index)
 
 } // namespace
 
+TEST(Bitmap, RowsArePaddedToFourBytes)
+{
+	EXPECT_EQ(BBitmap(BRect(0, 0, 10, 3), B_CMAP8).BytesPerRow(), 12);
+	EXPECT_EQ(BBitmap(BRect(0, 0, 15, 15), B_CMAP8).BytesPerRow(), 16);
+	EXPECT_EQ(BBitmap(BRect(0, 0, 32, 0), B_GRAY1).BitsLength(), 8);
+	EXPECT_EQ(BBitmap(BRect(0, 0, 2, 1), B_RGB32).BitsLength(), 24);
+	EXPECT_FALSE(BBitmap(BRect(), B_CMAP8).IsValid());
+}
+
 TEST(Bitmap, TheNearestColourOfThePaletteIsTaken)
 {
 	uint32 palette[256];

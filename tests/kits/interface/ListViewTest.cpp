@@ -226,6 +226,25 @@ TEST(ListView, TheSelectionStaysWithItsRowsThroughChanges)
 	EXPECT_EQ(selected(), (std::vector<int>{4, 9}));
 }
 
+TEST(ListView, BadIndicesAreIgnored)
+{
+	RecordingList list(BRect(0, 0, 100, 100), B_MULTIPLE_SELECTION_LIST);
+	list.Fill(3);
+	list.Select(1);
+	list.changes = 0;
+	list.Select(-1);
+	list.Select(3);
+	list.Select(2, 1);
+	list.Select(1, 3);
+	list.Deselect(-1);
+	list.DeselectExcept(0, 3);
+	list.Select(1);
+	EXPECT_EQ(list.Selection(), std::vector<int32>{1});
+	EXPECT_EQ(list.changes, 0);
+	EXPECT_FALSE(list.AddItem(list.NewRow(9), 5));
+	EXPECT_FALSE(list.ItemFrame(3).IsValid());
+}
+
 TEST(ListView, OnlyDamagedRowsAreDrawn)
 {
 	RecordingList* list = new RecordingList(BRect(0, 0, 120, 100), B_SINGLE_SELECTION_LIST);

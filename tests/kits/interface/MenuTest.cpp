@@ -339,3 +339,27 @@ TEST_F(Menu, ANewOneClosesTheOneThatIsOpen)
 	fUser->KeyDown({B_ENTER});
 	EXPECT_EQ(choice.get(), other.ItemAt(0));
 }
+
+TEST(MenuItems, BelongToOneMenu)
+{
+	BMenu menu("menu"), other("other");
+	auto* item = new BMenuItem("item", new BMessage('code'));
+	EXPECT_TRUE(menu.AddItem(item));
+	EXPECT_FALSE(other.AddItem(item));
+	EXPECT_EQ(menu.FindItem('code'), item);
+	EXPECT_EQ(menu.RemoveItem(0), item);
+	EXPECT_TRUE(other.AddItem(item));
+	delete item;
+	EXPECT_EQ(other.CountItems(), 0);
+}
+
+TEST(MenuItems, RadioModeKeepsOneMark)
+{
+	BPopUpMenu menu("menu", true, false);
+	for (int32 i = 0; i < 3; i++) {
+		menu.AddItem(new BMenuItem("item", nullptr));
+		menu.ItemAt(i)->SetMarked(true);
+		EXPECT_EQ(menu.FindMarked(), menu.ItemAt(i));
+	}
+	EXPECT_FALSE(menu.ItemAt(0)->IsMarked());
+}

@@ -87,6 +87,19 @@ const std::string kTab(1, B_TAB);
 
 } // namespace
 
+TEST_F(TextControlTest, EnterSendsAndSelectsAll)
+{
+	Focus(field);
+	EXPECT_EQ(Selected(), "start"); // so that typing replaces it
+	Keys("new" + kEnter);
+	EXPECT_EQ(Text(), "new");
+	EXPECT_EQ(Selected(), "new");
+	EXPECT_EQ(Sent(), 1u);
+	Keys(kEnter); // again, unchanged
+	EXPECT_EQ(Sent(), 1u);
+	EXPECT_TRUE(HasFocus(field));
+}
+
 TEST_F(TextControlTest, LosingTheFocusSendsWhatWasChanged)
 {
 	Focus(field);
@@ -130,6 +143,31 @@ TEST_F(TextControlTest, NewlinesAreNeverTakenFromOutsideButKeptWhenSet)
 	EXPECT_EQ(window.Under([&] { return field->TextView()->CountLines(); }), 1);
 	Keys(std::string(1, B_END) + "!" + kEnter);
 	EXPECT_EQ(Text(), "odd\nname\xff!");
+}
+
+TEST_F(TextControlTest, PressesComeToTheControlAndThenPlaceTheCaret)
+{
+	const BPoint place = window.Under([&] {
+		BTextView* editor = field->TextView();
+		return editor->ConvertToParent(editor->PointAt(2) + BPoint(1, 5)) + BPoint(10, 10);
+	});
+	user.Click(place.x, place.y);
+	window.Settle();
+	EXPECT_EQ(field->presses, 1);
+	EXPECT_EQ(field->last, place - BPoint(10, 10));
+	Keys("_");
+	EXPECT_EQ(Text(), "st_art");
+	// Dragging goes on in the editor; the label only focuses.
+	user.Press(place.x + 6, place.y); // too far away for a double click
+	user.Move(200, place.y);
+	user.Release(200, place.y);
+	window.Settle();
+	EXPECT_EQ(Selected(), "art");
+	Focus(second);
+	user.Click(12, place.y);
+	window.Settle();
+	EXPECT_TRUE(HasFocus(field));
+	EXPECT_EQ(Selected(), "st_art");
 }
 
 TEST_F(TextControlTest, TabStepsFromFieldToField)

@@ -144,6 +144,18 @@ TEST_F(TextViewTest, KeysMoveTheCaretAndShiftSelects)
 	EXPECT_EQ(State(), "1[wo\nx\nthree]");
 }
 
+TEST_F(TextViewTest, ControlMovesAndErasesByWords)
+{
+	Set("one two three", 0, 0);
+	Keys(kRight + kRight, B_CONTROL_KEY);
+	EXPECT_EQ(State(), "one two |three");
+	Keys(kBack, B_CONTROL_KEY);
+	EXPECT_EQ(State(), "one |three");
+	Keys(kLeftKey, B_CONTROL_KEY);
+	Keys(kErase, B_CONTROL_KEY);
+	EXPECT_EQ(State(), "|three");
+}
+
 TEST_F(TextViewTest, ThePressPlacesTheCaretAndDraggingSelects)
 {
 	Set("some words here\nnext line");
@@ -277,6 +289,40 @@ TEST_F(TextViewTest, DisallowedCharactersComeInByNoWay)
 	window.Get()->Do([&] { view->AllowChar('/'); });
 	Keys("/");
 	EXPECT_EQ(State(), std::string("a/bxa") + (kNihon + 3) + "/|");
+}
+
+TEST_F(TextViewTest, DroppedTextIsInsertedWhereItFell)
+{
+	Set("ab cd");
+	BMessage drop(B_MIME_DATA);
+	drop.AddData("text/plain", B_MIME_TYPE, "X\r\nY", 4);
+	drop.AddPoint("_drop_point_", window->ConvertToScreen(PlaceOf(3)));
+	BPrivate::MessageAccess::SetDropped(drop, true);
+	window->PostMessage(&drop, view);
+	window.Settle();
+	EXPECT_EQ(State(), "ab X\nY|cd");
+	// Other things climb to those who can use them.
+	BMessage other(B_SIMPLE_DATA);
+	BPrivate::MessageAccess::SetDropped(other, true);
+	window->PostMessage(&other, view);
+	window.Settle();
+	EXPECT_EQ(window->Take(B_SIMPLE_DATA).size(), 1u);
+}
+
+TEST_F(TextViewTest, WrappedTextBreaksAtItsRectangle)
+{
+	window.Get()->Do([&] {
+		view->SetWordWrap(true);
+		view->SetText("some words that do not fit into one single row of this narrow view");
+	});
+	EXPECT_GT(window.Under([&] { return view->CountLines(); }), 1);
+	Keys(kEnd);
+	const std::string first = State();
+	const size_t end = first.find('|');
+	Keys(kDown + kHome);
+	EXPECT_EQ(State().find('|'), end + 1) << "the blank ends the row above";
+	window.Get()->Do([&] { view->SetTextRect(BRect(2, 2, 1000, 77)); });
+	EXPECT_EQ(window.Under([&] { return view->CountLines(); }), 1);
 }
 
 TEST_F(TextViewTest, ALongLineScrollsSoThatTheCaretIsSeen)

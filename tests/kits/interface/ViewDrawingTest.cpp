@@ -82,6 +82,22 @@ TEST(Drawing, AnUpdateReachesOnlyTheDamage)
 	EXPECT_EQ(9 + 16 - 4, window->Snapshot().Count(kRed));
 }
 
+TEST(Drawing, TheOwnClipReplacesTheLastAndEndsWithDraw)
+{
+	Shown window(60, 40);
+	DrawnView* view = new DrawnView(BRect(10, 10, 49, 29), [](BView* self, BRect) {
+		BRegion first(BRect(0, 0, 9, 9)), second(BRect(20, 0, 29, 9));
+		self->ConstrainClippingRegion(&first);
+		self->ConstrainClippingRegion(&second);
+		self->FillRect(self->Bounds());
+	});
+	window->ShowWith({view});
+	EXPECT_EQ(100, window->Snapshot().Count(kBlack));
+	EXPECT_EQ(kBlack, window->Snapshot().At(30, 10));
+	window->Do([&] { view->StrokeLine(BPoint(0, 19), BPoint(39, 19)); });
+	EXPECT_EQ(140, window->Snapshot().Count(kBlack));
+}
+
 TEST(Drawing, APoppedStateIsTheOneThatWasPushed)
 {
 	Shown window(60, 40);

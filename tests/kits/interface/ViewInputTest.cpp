@@ -231,6 +231,26 @@ TEST_F(ViewInput, ShortcutsAreTakenBeforeKeys)
 	EXPECT_EQ(Notes({"right copy"}), Taken());
 }
 
+TEST_F(ViewInput, CommandWAndTheCloseBoxAskTheWindowToQuit)
+{
+	class Asked : public TestWindow {
+	public:
+		Asked() : TestWindow(50, 50) {}
+		bool QuitRequested() override
+		{
+			asked++;
+			return false;
+		}
+		int asked = 0;
+	};
+	Shown<Asked> other;
+	other->ShowAndSettle();
+	other->User().Key("w", B_COMMAND_KEY);
+	other->User().Close();
+	other->Settle();
+	EXPECT_EQ(2, other->asked);
+}
+
 TEST_F(ViewInput, PollingTakesQueuedMouseMessagesInOrder)
 {
 	left->captures = true;

@@ -3,13 +3,11 @@
 // FairLock: recursion, order, closing, time limits.
 
 #include "tests/kits/kernel/Worker.h"
-#include "tests/support/Storm.h"
 
 #include <kernel/FairLock.h>
 
 #include <deque>
 #include <memory>
-#include <random>
 #include <vector>
 
 using BPrivate::FairLock;
@@ -100,30 +98,4 @@ TEST(FairLock, ClosingSendsAllWaitersAwayAndItMayBeDeleted)
 		for (Worker& waiter : waiters)
 			waiter.Join();
 	}
-}
-
-TEST(FairLock, StormLetsInOneAtATime)
-{
-	const unsigned seed = PrintedSeed(4711);
-	FairLock lock;
-	int64 plain = 0; // for the sanitizer: only the lock guards it
-	std::atomic<int64> counted = 0;
-	InThreads(4, [&](int thread) {
-		std::minstd_rand random(seed + static_cast<unsigned>(thread));
-		for (int step = 0; step < 4000; step++) {
-			bigtime_t limit = random() % 4 == 0 ? random() % 30 : B_INFINITE_TIMEOUT;
-			if (lock.Lock(limit) != B_OK)
-				continue;
-			bool nested = random() % 4 == 0 && lock.Lock(0) == B_OK;
-			plain++;
-			counted++;
-			if (random() % 64 == 0)
-				sched_yield();
-			if (nested)
-				lock.Unlock();
-			lock.Unlock();
-		}
-	});
-	EXPECT_EQ(counted, plain) << "seed " << seed;
-	EXPECT_EQ(-1, lock.Holder());
 }

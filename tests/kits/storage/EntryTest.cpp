@@ -12,10 +12,6 @@
 
 namespace {
 
-// Names that somebody has on a disk somewhere.
-const std::string kOddNames[] = {"line\nbreak", "\xff\xfe not text", "trailing blank ", "(deleted)",
-	"-rf", "...", "quote'\"\\", "\x01", std::string(255, 'n')};
-
 // Longer than PATH_MAX, with names that are long themselves.
 std::string
 DeepPath()
@@ -139,29 +135,6 @@ TEST(Entry, StatusIsItsOwn)
 	tree.Add("file", Text("1"));
 	EXPECT_EQ(file.GetSize(&size), B_OK);
 	EXPECT_EQ(size, 1);
-}
-
-TEST(Entry, NamesAreBytes)
-{
-	TempTree tree;
-	std::vector<std::string> expected;
-	for (const std::string& name : kOddNames) {
-		tree.Add(name, Text(name));
-		expected.push_back(name);
-		BEntry entry(tree.Path(name).c_str());
-		char buffer[B_FILE_NAME_LENGTH];
-		entry_ref ref;
-		ASSERT_EQ(entry.GetName(buffer), B_OK);
-		EXPECT_EQ(buffer, name);
-		ASSERT_EQ(get_ref_for_path(tree.Path(name).c_str(), &ref), B_OK);
-		EXPECT_TRUE(BEntry(&ref).IsFile());
-		EXPECT_EQ(BPath(&ref), tree.Path(name).c_str());
-	}
-	std::vector<std::string> found;
-	BDirectory folder = tree.Folder();
-	for (entry_ref ref; folder.GetNextRef(&ref) == B_OK;)
-		found.push_back(ref.name);
-	EXPECT_EQ(found, Names(expected));
 }
 
 TEST(Entry, ParentsLeadToTheRoot)

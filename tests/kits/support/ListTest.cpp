@@ -148,6 +148,20 @@ TEST(List, BehavesAsAVector)
 	}
 }
 
+TEST(List, WalksStopWhereTheCallbackSaysSo)
+{
+	BList list;
+	for (int i = 1; i <= 5; i++)
+		list.AddItem(Item(i));
+	Model seen;
+	const auto untilThree = [](void* item, void* into) {
+		static_cast<Model*>(into)->push_back(item);
+		return item == Item(3);
+	};
+	list.DoForEach(untilThree, &seen);
+	EXPECT_EQ((Model{Item(1), Item(2), Item(3)}), seen);
+}
+
 TEST(List, CopiesAreIndependent)
 {
 	BList list;
