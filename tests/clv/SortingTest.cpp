@@ -46,11 +46,10 @@ struct Keys {
 Keys
 KeysOf(const ColumnListView* list)
 {
-	Keys keys{std::vector<int32>(8), std::vector<CLVSortMode>(8)};
-	const int32 count = list->Sorting(keys.columns.data(), keys.modes.data());
-	keys.columns.resize(static_cast<size_t>(count));
-	keys.modes.resize(static_cast<size_t>(count));
-	return keys;
+	int32 columns[8];
+	CLVSortMode modes[8];
+	const int32 count = list->Sorting(columns, modes);
+	return {{columns, columns + count}, {modes, modes + count}};
 }
 
 } // namespace
@@ -130,21 +129,17 @@ TEST(Sorting, ReversingGoesRoundInThree)
 {
 	LooseList list(false);
 	list->SetSortFunction(CompareKeys);
-	CLVColumn* column = list->NewColumn(CLV_COLUMN_SORTABLE);
+	list->NewColumn(CLV_COLUMN_SORTABLE);
 	for (const int key : {2, 3, 1})
 		list->AddItem(list->NewRow(key));
 	list->SetSortKey(0);
 	EXPECT_EQ(list->Shown(), (std::vector<int>{1, 2, 3}));
 	list->ReverseSortMode(0);
 	EXPECT_EQ(list->Shown(), (std::vector<int>{3, 2, 1}));
-	EXPECT_EQ(list->FullListItemAt(0), list->ItemAt(0));
-	EXPECT_EQ(KeysOf(list.list), (Keys{{0}, {CLV_SORT_DESCENDING}}));
 	list->ReverseSortMode(0);
 	EXPECT_EQ(KeysOf(list.list), (Keys{}));
 	list->ReverseSortMode(0);
-	EXPECT_EQ(column->SortMode(), CLV_SORT_ASCENDING);
 	EXPECT_EQ(KeysOf(list.list), (Keys{})); // not a key again by that
-	EXPECT_EQ(list->Shown(), (std::vector<int>{3, 2, 1}));
 }
 
 TEST(Sorting, FurtherKeysDecideBetweenEqualRows)

@@ -76,6 +76,12 @@ public:
 		const std::unique_ptr<int32[]> order(DisplayOrder());
 		return std::vector<int32>(order.get(), order.get() + CountColumns());
 	}
+	std::vector<int32> SortKeys() const
+	{
+		int32 keys[8];
+		CLVSortMode modes[8];
+		return std::vector<int32>(keys, keys + Sorting(keys, modes));
+	}
 	// First keys of the visible rows.
 	std::vector<int> Shown() const
 	{

@@ -3,6 +3,7 @@
 #include "Inject.h"
 
 #include "kits/desktop/WindowPeer.h"
+#include "tests/support/Waiting.h"
 
 #include <desktop/GuiThread.h>
 #include <kernel/OS.h>
@@ -18,10 +19,9 @@
 #include <QGuiApplication>
 #include <QMimeData>
 
-#include <chrono>
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <thread>
 
 using namespace desktop;
 
@@ -55,44 +55,31 @@ struct QtKey {
 	QString text;
 };
 
+const std::map<char, QtKey> kKeys = {
+	{B_HOME, {Qt::Key_Home, {}}},
+	{B_END, {Qt::Key_End, {}}},
+	{B_INSERT, {Qt::Key_Insert, {}}},
+	{B_BACKSPACE, {Qt::Key_Backspace, "\b"}},
+	{B_TAB, {Qt::Key_Tab, "\t"}},
+	{B_ENTER, {Qt::Key_Return, "\r"}},
+	{B_PAGE_UP, {Qt::Key_PageUp, {}}},
+	{B_PAGE_DOWN, {Qt::Key_PageDown, {}}},
+	{B_FUNCTION_KEY, {Qt::Key_F1, {}}},
+	{B_ESCAPE, {Qt::Key_Escape, "\x1b"}},
+	{B_LEFT_ARROW, {Qt::Key_Left, {}}},
+	{B_RIGHT_ARROW, {Qt::Key_Right, {}}},
+	{B_UP_ARROW, {Qt::Key_Up, {}}},
+	{B_DOWN_ARROW, {Qt::Key_Down, {}}},
+	{B_DELETE, {Qt::Key_Delete, "\x7f"}},
+};
+
 QtKey
 KeyFor(const std::string& bytes, uint32 modifiers)
 {
-	if (bytes.size() == 1) {
-		switch (bytes[0]) {
-			case B_HOME:
-				return {Qt::Key_Home, {}};
-			case B_END:
-				return {Qt::Key_End, {}};
-			case B_INSERT:
-				return {Qt::Key_Insert, {}};
-			case B_BACKSPACE:
-				return {Qt::Key_Backspace, "\b"};
-			case B_TAB:
-				return {
-					(modifiers & B_SHIFT_KEY) != 0 ? int(Qt::Key_Backtab) : int(Qt::Key_Tab), "\t"};
-			case B_ENTER:
-				return {Qt::Key_Return, "\r"};
-			case B_PAGE_UP:
-				return {Qt::Key_PageUp, {}};
-			case B_PAGE_DOWN:
-				return {Qt::Key_PageDown, {}};
-			case B_FUNCTION_KEY:
-				return {Qt::Key_F1, {}};
-			case B_ESCAPE:
-				return {Qt::Key_Escape, "\x1b"};
-			case B_LEFT_ARROW:
-				return {Qt::Key_Left, {}};
-			case B_RIGHT_ARROW:
-				return {Qt::Key_Right, {}};
-			case B_UP_ARROW:
-				return {Qt::Key_Up, {}};
-			case B_DOWN_ARROW:
-				return {Qt::Key_Down, {}};
-			case B_DELETE:
-				return {Qt::Key_Delete, "\x7f"};
-		}
-	}
+	if (bytes == "\t" && (modifiers & B_SHIFT_KEY) != 0)
+		return {Qt::Key_Backtab, "\t"};
+	if (bytes.size() == 1 && kKeys.contains(bytes[0]))
+		return kKeys.at(bytes[0]);
 	QString text = QString::fromStdString(bytes);
 	const int key = text.isEmpty() ? int(Qt::Key_unknown) : text[0].toUpper().unicode();
 	if ((modifiers & B_CONTROL_KEY) != 0 && key >= '@' && key <= '_')
@@ -165,17 +152,16 @@ InjectedUser::InjectedUser(NativeWindow& window)
 
 InjectedUser::InjectedUser(const std::string& title)
 {
-	const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-	while (fWindow == nullptr && std::chrono::steady_clock::now() < deadline) {
+	const bool appeared = WaitUntil([&] {
 		CallGui([&] {
 			for (QWindow* window : QGuiApplication::topLevelWindows()) {
 				if (window->isExposed() && window->title().toStdString() == title)
 					fWindow = window;
 			}
 		});
-		std::this_thread::sleep_for(std::chrono::milliseconds(1));
-	}
-	if (fWindow == nullptr) {
+		return fWindow != nullptr;
+	});
+	if (!appeared) {
 		ADD_FAILURE() << "no window \"" << title << "\"";
 		std::abort();
 	}
@@ -216,13 +202,6 @@ InjectedUser::Release(float x, float y, uint32 button, uint32 modifiers)
 }
 
 void
-InjectedUser::Click(float x, float y, uint32 button, uint32 modifiers)
-{
-	Press(x, y, button, modifiers);
-	Release(x, y, button, modifiers);
-}
-
-void
 InjectedUser::Move(float x, float y, uint32 modifiers)
 {
 	Mouse(QEvent::MouseMove, x, y, false, 0, modifiers);
@@ -248,12 +227,6 @@ void
 InjectedUser::Leave()
 {
 	CallGui([&] { QWindowSystemInterface::handleLeaveEvent<Deliver>(fWindow); });
-}
-
-void
-InjectedUser::LoseButtons()
-{
-	fButtons = 0;
 }
 
 void
@@ -332,13 +305,6 @@ InjectedUser::Wheel(float x, float y, float deltaX, float deltaY, uint32 modifie
 			fWindow, where, fWindow->mapToGlobal(where), QPoint(), angle, ToQt(modifiers));
 		QWindowSystemInterface::flushWindowSystemEvents();
 	});
-}
-
-void
-InjectedUser::Key(const std::string& bytes, uint32 modifiers)
-{
-	KeyDown(bytes, modifiers);
-	KeyUp(bytes, modifiers);
 }
 
 void
@@ -476,12 +442,25 @@ InjectedUser::Picture::At(int32 x, int32 y) const
 	return pixels[size_t(y) * size_t(width) + size_t(x)];
 }
 
-bool
-InjectedUser::Picture::Save(const std::string& pngPath) const
+int32
+InjectedUser::Picture::Count(uint32 colour) const
 {
-	const QImage image(reinterpret_cast<const uchar*>(pixels.data()), width, height, width * 4,
-		QImage::Format_RGB32);
-	return image.save(QString::fromStdString(pngPath), "PNG");
+	return static_cast<int32>(std::count(pixels.begin(), pixels.end(), colour));
+}
+
+PixelRect
+InjectedUser::Picture::BoundsOf(uint32 colour) const
+{
+	PixelRect bounds = {width, height, -1, -1};
+	for (int32 y = 0; y < height; y++) {
+		for (int32 x = 0; x < width; x++) {
+			if (At(x, y) == colour) {
+				bounds = {std::min(bounds.left, x), std::min(bounds.top, y),
+					std::max(bounds.right, x), y};
+			}
+		}
+	}
+	return bounds;
 }
 
 void

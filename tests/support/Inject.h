@@ -22,13 +22,17 @@ public:
 	// `modifiers` are B_*_KEY bits, as with all calls below.
 	void Press(float x, float y, uint32 button = B_PRIMARY_MOUSE_BUTTON, uint32 modifiers = 0);
 	void Release(float x, float y, uint32 button = B_PRIMARY_MOUSE_BUTTON, uint32 modifiers = 0);
-	void Click(float x, float y, uint32 button = B_PRIMARY_MOUSE_BUTTON, uint32 modifiers = 0);
+	void Click(float x, float y, uint32 button = B_PRIMARY_MOUSE_BUTTON, uint32 modifiers = 0)
+	{
+		Press(x, y, button, modifiers);
+		Release(x, y, button, modifiers);
+	}
 	void Move(float x, float y, uint32 modifiers = 0); // with the buttons pressed so far
 	void MoveOnScreen(float screenX, float screenY, uint32 modifiers = 0);
 	void Enter(float x, float y);
 	void Leave();
 	// Forgets the buttons held, as when another program takes the pointer.
-	void LoseButtons();
+	void LoseButtons() { fButtons = 0; }
 	// From now on drags of this process follow injected moves over all our windows, to the release.
 	// They begin at the pointer as the display server knows it, which now is moved along, too.
 	void AllowDrags();
@@ -49,7 +53,11 @@ public:
 
 	// Presses and releases. `bytes`: a B_* key byte, or text of one character; B_FUNCTION_KEY is
 	// F1.
-	void Key(const std::string& bytes, uint32 modifiers = 0);
+	void Key(const std::string& bytes, uint32 modifiers = 0)
+	{
+		KeyDown(bytes, modifiers);
+		KeyUp(bytes, modifiers);
+	}
 	void KeyDown(const std::string& bytes, uint32 modifiers = 0, bool repeat = false);
 	void KeyUp(const std::string& bytes, uint32 modifiers = 0);
 	// B_LEFT_SHIFT_KEY ... B_RIGHT_OPTION_KEY, B_MENU_KEY or B_SCROLL_LOCK; `modifiers` are those
@@ -73,7 +81,9 @@ public:
 	// The window's present picture: device pixels as 0xffRRGGBB, or 0 outside.
 	struct Picture {
 		uint32 At(int32 x, int32 y) const;
-		bool Save(const std::string& pngPath) const;
+		int32 Count(uint32 colour) const;
+		// Around the pixels of this colour; empty when there are none.
+		desktop::PixelRect BoundsOf(uint32 colour) const;
 
 		int32 width = 0;
 		int32 height = 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Randomness for tests that try many orders of events: the seed is fixed and printed.
+// For tests that try many orders of events: randomness whose seed is fixed and printed, and
+// threads that run side by side.
 
 #pragma once
 
@@ -8,6 +9,8 @@
 
 #include <cstdio>
 #include <random>
+#include <thread>
+#include <vector>
 
 inline unsigned
 PrintedSeed(unsigned seed)
@@ -26,3 +29,15 @@ public:
 private:
 	std::mt19937 fRandom;
 };
+
+// Runs body(0) ... body(count - 1) at the same time; returns when all have.
+template <typename Body>
+void
+InThreads(int count, Body body)
+{
+	std::vector<std::thread> threads;
+	for (int i = 0; i < count; i++)
+		threads.emplace_back([&body, i] { body(i); });
+	for (std::thread& thread : threads)
+		thread.join();
+}

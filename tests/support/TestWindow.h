@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// A window for tests: shown on the test's platform, quit at the test's end.
+// A window for tests: shown on the test's platform, quit at the test's end. It brings gtest.
 
 #pragma once
 
@@ -56,6 +56,14 @@ public:
 	{
 		Show();
 		Settle();
+	}
+
+	// With these children, the last one in front.
+	void ShowWith(std::initializer_list<BView*> views)
+	{
+		for (BView* view : views)
+			AddChild(view);
+		ShowAndSettle();
 	}
 
 	InjectedUser User() { return InjectedUser(Title()); }

@@ -4,8 +4,6 @@
 
 #include "tests/support/TestWindow.h"
 
-#include <gtest/gtest.h>
-
 #include <functional>
 
 namespace {
@@ -30,21 +28,11 @@ Box(const InjectedUser::Picture& picture, uint32 colour = kPaper, bool equal = f
 InjectedUser::Picture
 Drawn(const std::function<void(BView*)>& draw)
 {
-	class Canvas : public BView {
-	public:
-		explicit Canvas(const std::function<void(BView*)>& drawer) :
-			BView(BRect(0, 0, 199, 59), nullptr, B_FOLLOW_NONE, B_WILL_DRAW), fDraw(drawer)
-		{
-			SetLowColor(255, 0, 0);
-		}
-		void Draw(BRect) override { fDraw(this); }
-
-	private:
-		const std::function<void(BView*)>& fDraw;
-	};
 	Shown window(200, 60);
-	window->AddChild(new Canvas(draw));
-	window->ShowAndSettle();
+	BView* view = new BView(BRect(0, 0, 199, 59), nullptr, B_FOLLOW_NONE, B_WILL_DRAW);
+	view->SetLowColor(255, 0, 0);
+	window->ShowWith({view});
+	window->Do([&] { draw(view); });
 	return window->Snapshot();
 }
 

@@ -34,43 +34,42 @@ Times(double count, off_t unit)
 
 } // namespace
 
-TEST(FileSize, UnitsBeginOneByteAboveTheirPowers)
+TEST(FileSize, IsShownInTheLargestUnitBelowIt)
 {
-	EXPECT_EQ(SizeText(0), "0");
-	EXPECT_EQ(SizeText(1023), "1023");
-	EXPECT_EQ(SizeText(kKilo), "1024");
-	EXPECT_EQ(SizeText(kKilo + 1), "1k");
-	EXPECT_EQ(SizeText(kMeg), "1025k");
-	EXPECT_EQ(SizeText(kMeg + 1), "1M");
-	EXPECT_EQ(SizeText(kGig), "1025M");
-	EXPECT_EQ(SizeText(kGig + 1), "1G");
-}
-
-TEST(FileSize, SmallValuesHaveADecimalUnlessItsTruncationIsZero)
-{
-	EXPECT_EQ(SizeText(1536), "1.5k");
-	EXPECT_EQ(SizeText(10240), "10k");
-	EXPECT_EQ(SizeText(Times(2.04, kMeg)), "2M");
-	EXPECT_EQ(SizeText(Times(2.09, kMeg)), "2M");   // rounding would give 2.1
-	EXPECT_EQ(SizeText(Times(2.96, kMeg)), "3.0M"); // cut it is 2.9, so the decimal stays
-	EXPECT_EQ(SizeText(Times(50.96, kKilo)), "51.0k");
-	EXPECT_EQ(SizeText(Times(50.04, kGig)), "50G");
-}
-
-TEST(FileSize, LargeValuesGoUpByMoreThanAHalf)
-{
-	EXPECT_EQ(SizeText(51 * kKilo), "52k");
-	EXPECT_EQ(SizeText(Times(51.4, kMeg)), "52M");
-	EXPECT_EQ(SizeText(Times(51.5, kMeg)), "52M");
-	EXPECT_EQ(SizeText(Times(51.6, kMeg)), "53M");
-	EXPECT_EQ(SizeText(1023 * kKilo + 1023), "1025k");
-	EXPECT_EQ(SizeText(INT64_MAX), "8589934593G");
-}
-
-TEST(FileSize, NegativeSizesShowAsTheirUnsignedValue)
-{
-	EXPECT_EQ(SizeText(-1), "18446744073709551615");
-	EXPECT_EQ(SizeText(INT64_MIN), "9223372036854775808");
+	const struct {
+		off_t size;
+		const char* text;
+	} cases[] = {
+		// Units begin one byte above their powers.
+		{0, "0"},
+		{1023, "1023"},
+		{kKilo, "1024"},
+		{kKilo + 1, "1k"},
+		{kMeg, "1025k"},
+		{kMeg + 1, "1M"},
+		{kGig, "1025M"},
+		{kGig + 1, "1G"},
+		// Small values have a decimal unless its truncation is zero.
+		{1536, "1.5k"},
+		{10240, "10k"},
+		{Times(2.04, kMeg), "2M"},
+		{Times(2.09, kMeg), "2M"},   // rounding would give 2.1
+		{Times(2.96, kMeg), "3.0M"}, // cut it is 2.9, so the decimal stays
+		{Times(50.96, kKilo), "51.0k"},
+		{Times(50.04, kGig), "50G"},
+		// Large ones go up by more than a half.
+		{51 * kKilo, "52k"},
+		{Times(51.4, kMeg), "52M"},
+		{Times(51.5, kMeg), "52M"},
+		{Times(51.6, kMeg), "53M"},
+		{1023 * kKilo + 1023, "1025k"},
+		{INT64_MAX, "8589934593G"},
+		// Negative ones show as their unsigned value.
+		{-1, "18446744073709551615"},
+		{INT64_MIN, "9223372036854775808"},
+	};
+	for (const auto& each : cases)
+		EXPECT_EQ(SizeText(each.size), each.text);
 }
 
 TEST(Permissions, EachBitHasItsLetter)

@@ -2,11 +2,12 @@
 
 #include "support/GeneralFun.h"
 
+#include "tests/support/Storm.h"
+
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -45,28 +46,10 @@ TEST(ErrorString, UnknownCodesKeepTheirNumber)
 
 TEST(ErrorString, ThreadsDoNotMixTheirTexts)
 {
-	std::vector<std::thread> threads;
-	for (status_t code : std::vector<status_t>{B_ENTRY_NOT_FOUND, B_DEVICE_FULL, 4711, -4711}) {
-		threads.emplace_back([code, expected = ErrorText(code)] {
-			for (int i = 0; i < 2000; i++)
-				ASSERT_EQ(ErrorText(code), expected);
-		});
-	}
-	for (std::thread& thread : threads)
-		thread.join();
-}
-
-TEST(GeneralFunction, ComparesAtTheEndsOfTheRange)
-{
-	EXPECT_EQ(NGeneralFunction::intcmp(INT_MIN, INT_MAX), -1);
-	EXPECT_EQ(NGeneralFunction::intcmp(INT_MAX, INT_MIN), 1);
-	EXPECT_EQ(NGeneralFunction::intcmp(-7, -7), 0);
-	EXPECT_EQ(NGeneralFunction::min(LONG_MIN, LONG_MAX), LONG_MIN);
-	EXPECT_EQ(NGeneralFunction::max(LONG_MAX - 1, LONG_MAX), LONG_MAX);
-	EXPECT_EQ(NGeneralFunction::min(1.5f, -0.5f), -0.5);
-	EXPECT_EQ(NGeneralFunction::max(1.5, 1.25), 1.5);
-
-	char text[] = "four";
-	EXPECT_EQ(NGeneralFunction::StrEnd(text), text + 4);
-	EXPECT_EQ(NGeneralFunction::StrEnd(text + 4), text + 4);
+	const status_t codes[] = {B_ENTRY_NOT_FOUND, B_DEVICE_FULL, 4711, -4711};
+	InThreads(4, [&](int thread) {
+		const std::string expected = ErrorText(codes[thread]);
+		for (int i = 0; i < 2000; i++)
+			ASSERT_EQ(ErrorText(codes[thread]), expected);
+	});
 }

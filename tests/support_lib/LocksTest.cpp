@@ -5,40 +5,14 @@
 #include "support/Queue.h"
 #include "support/UpdateCounter.h"
 
+#include "tests/support/Printed.h"
+#include "tests/support/Storm.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <deque>
-#include <functional>
 #include <memory>
-#include <random>
-#include <string>
 #include <thread>
-#include <vector>
-
-namespace {
-
-void
-InThreads(int count, const std::function<void(int)>& body)
-{
-	std::vector<std::thread> threads;
-	threads.reserve(static_cast<size_t>(count));
-	for (int i = 0; i < count; i++)
-		threads.emplace_back(body, i);
-	for (std::thread& thread : threads)
-		thread.join();
-}
-
-std::string
-PrintedBy(const std::function<void()>& action)
-{
-	testing::internal::CaptureStdout();
-	action();
-	std::fflush(stdout);
-	return testing::internal::GetCapturedStdout();
-}
-
-} // namespace
 
 TEST(Benaphore, OneThreadAtATimeIsInside)
 {
@@ -105,10 +79,9 @@ TEST(Queue, AgreesWithADequeOverRandomSteps)
 	}
 }
 
-TEST(Queue, ItsErrorsAreQueueExceptionsAndALongQueueDies)
+TEST(Queue, ALongQueueDies)
 {
 	auto queue = std::make_unique<TQueue>();
-	EXPECT_THROW(queue->Next(), XQueueException);
 	for (int i = 0; i < 1000000; i++)
 		queue->Add(queue.get());
 	queue.reset();

@@ -58,7 +58,7 @@ Compare(const std::tm& today, int years, int days, const char* format)
 
 } // namespace
 
-TEST(SmartDate, NearDaysOfTheYearHaveNames)
+TEST(SmartDate, NearDaysOfThisYearHaveNames)
 {
 	const struct {
 		int days;
@@ -69,15 +69,8 @@ TEST(SmartDate, NearDaysOfTheYearHaveNames)
 	for (const auto& each : kCases) {
 		SCOPED_TRACE(each.days);
 		OnOneDay([&](const std::tm& today) { return Compare(today, 0, each.days, each.format); });
-	}
-}
-
-TEST(SmartDate, OtherYearsShowTheDateOnly)
-{
-	for (int years : {-100, -1, 1, 100}) {
-		for (int days : {-1, 0, 1, 365}) {
-			OnOneDay([&](const std::tm& today) { return Compare(today, years, days, "%x"); });
-		}
+		for (int years : {-100, -1, 1, 100})
+			OnOneDay([&](const std::tm& today) { return Compare(today, years, each.days, "%x"); });
 	}
 }
 

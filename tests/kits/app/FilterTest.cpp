@@ -3,26 +3,16 @@
 #include <app/Looper.h>
 #include <app/MessageFilter.h>
 
-#include "tests/support/Waiting.h"
+#include "tests/support/Collector.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <vector>
 
 namespace {
 
-class Counter : public BHandler {
-public:
-	void MessageReceived(BMessage* message) override
-	{
-		last = message->what;
-		count++;
-	}
-	std::atomic<uint32> last = 0;
-	std::atomic<int> count = 0;
-};
-
-Counter* gOther = nullptr;
+Collector* gOther = nullptr;
 std::atomic<int> gFilterRuns = 0;
 
 filter_result
@@ -40,33 +30,39 @@ Drop(BMessage*, BHandler**, BMessageFilter*)
 	return B_SKIP_MESSAGE;
 }
 
+// Three handlers of a looper. What is posted to the first one goes through the filters.
 class Filters : public testing::Test {
 protected:
 	void SetUp() override
 	{
 		gFilterRuns = 0;
 		gOther = &fOther;
-		fLooper->AddHandler(&fFirst);
-		fLooper->AddHandler(&fOther);
-		fLooper->AddHandler(&fLast);
+		for (Collector* handler : {&fFirst, &fOther, &fLast})
+			fLooper->AddHandler(handler);
 	}
 
-	// Handled after everything that was posted before.
-	void Settle()
+	// Posts these, and returns when they are through: how often each handler was reached, and a
+	// filter run.
+	std::vector<int> Counts(const std::vector<uint32>& codes)
 	{
+		for (uint32 code : codes)
+			fLooper->PostMessage(code, &fFirst);
 		fLooper->PostMessage('last', &fLast);
 		fLooper->Run();
-		ASSERT_TRUE(WaitUntil([&] { return fLast.count == 1; }));
-		ASSERT_TRUE(fLooper->Lock());
-		fLooper->RemoveHandler(&fFirst);
-		fLooper->RemoveHandler(&fOther);
-		fLooper->RemoveHandler(&fLast);
+		EXPECT_TRUE(fLast.Gets(1));
+		EXPECT_TRUE(fLooper->Lock());
+		for (Collector* handler : {&fFirst, &fOther, &fLast})
+			fLooper->RemoveHandler(handler);
 		fLooper->Quit();
+		return {static_cast<int>(fFirst.Codes().size()), static_cast<int>(fOther.Codes().size()),
+			gFilterRuns};
 	}
 
 	BLooper* fLooper = new BLooper;
-	Counter fFirst, fOther, fLast;
+	Collector fFirst, fOther, fLast;
 };
+
+using Numbers = std::vector<int>;
 
 } // namespace
 
@@ -74,55 +70,39 @@ TEST_F(Filters, RedirectDropAndPassByCode)
 {
 	fFirst.AddFilter(new BMessageFilter('redi', ToOther));
 	fFirst.AddFilter(new BMessageFilter('drop', Drop));
-	fLooper->PostMessage('redi', &fFirst);
-	fLooper->PostMessage('drop', &fFirst);
-	fLooper->PostMessage('pass', &fFirst);
-	Settle();
-	EXPECT_EQ(1, fOther.count);
-	EXPECT_EQ('redi', fOther.last);
-	EXPECT_EQ(1, fFirst.count);
-	EXPECT_EQ('pass', fFirst.last);
-	EXPECT_EQ(2, gFilterRuns);
+	EXPECT_EQ(Counts({'redi', 'drop', 'pass'}), (Numbers{1, 1, 2}));
+	EXPECT_EQ(fOther.Codes(), std::vector<uint32>{'redi'});
+	EXPECT_EQ(fFirst.Codes(), std::vector<uint32>{'pass'});
 }
 
 TEST_F(Filters, TheNewTargetsFiltersRunToo)
 {
 	fFirst.AddFilter(new BMessageFilter('redi', ToOther));
 	fOther.AddFilter(new BMessageFilter('redi', Drop));
-	fLooper->PostMessage('redi', &fFirst);
-	Settle();
-	EXPECT_EQ(0, fFirst.count + fOther.count);
-	EXPECT_EQ(2, gFilterRuns);
+	EXPECT_EQ(Counts({'redi'}), (Numbers{0, 0, 2}));
 }
 
 TEST_F(Filters, CommonFiltersSeeEverythingFirst)
 {
 	fLooper->AddCommonFilter(new BMessageFilter(B_ANY_DELIVERY, B_ANY_SOURCE, 'drop', Drop));
 	fFirst.AddFilter(new BMessageFilter('drop', ToOther));
-	fLooper->PostMessage('drop', &fFirst);
-	Settle();
-	EXPECT_EQ(0, fFirst.count + fOther.count);
-	EXPECT_EQ(1, gFilterRuns);
+	EXPECT_EQ(Counts({'drop'}), (Numbers{0, 0, 1}));
 }
 
 TEST_F(Filters, ARedirectionSparesNoCommonFilter)
 {
 	fLooper->AddCommonFilter(new BMessageFilter('redi', ToOther));
 	fLooper->AddCommonFilter(new BMessageFilter('redi', Drop));
-	fLooper->PostMessage('redi', &fFirst);
-	Settle();
-	EXPECT_EQ(0, fFirst.count + fOther.count);
-	EXPECT_EQ(2, gFilterRuns);
+	EXPECT_EQ(Counts({'redi'}), (Numbers{0, 0, 2}));
 }
 
 TEST_F(Filters, ATargetInAnotherLooperCancelsDelivery)
 {
-	Counter stranger;
+	Collector stranger;
 	gOther = &stranger;
 	fFirst.AddFilter(new BMessageFilter('redi', ToOther));
-	fLooper->PostMessage('redi', &fFirst);
-	Settle();
-	EXPECT_EQ(0, stranger.count + fFirst.count);
+	EXPECT_EQ(Counts({'redi'}), (Numbers{0, 0, 1}));
+	EXPECT_TRUE(stranger.Codes().empty());
 }
 
 TEST_F(Filters, DroppedDeliveryIsToldApart)
@@ -133,8 +113,5 @@ TEST_F(Filters, DroppedDeliveryIsToldApart)
 	EXPECT_TRUE(fFirst.RemoveFilter(removed));
 	EXPECT_FALSE(fFirst.RemoveFilter(removed));
 	delete removed;
-	fLooper->PostMessage('data', &fFirst);
-	Settle();
-	EXPECT_EQ(1, fFirst.count);
-	EXPECT_EQ(0, gFilterRuns);
+	EXPECT_EQ(Counts({'data'}), (Numbers{1, 0, 0}));
 }

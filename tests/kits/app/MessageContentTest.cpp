@@ -53,26 +53,6 @@ TEST(MessageContent, EveryFieldButPointersReachesAnotherProgram)
 	EXPECT_EQ(plain.size(), Flattened(read).size());
 }
 
-TEST(MessageContent, OfferedFormatsFitTheUse)
-{
-	typedef std::vector<std::string> Formats;
-	TempTree tree{{"x", Text()}};
-	const entry_ref ref = tree.Ref("x");
-	BMessage message('DATA');
-	EXPECT_EQ(Formats({kMessage}), MessageContent(message, ContentUse::kDrag).Formats());
-	message.AddRef("refs", &ref);
-	EXPECT_EQ(
-		Formats({kMessage, kUriList, kText}), MessageContent(message, ContentUse::kDrag).Formats());
-	message.AddBool("Cut", true);
-	EXPECT_EQ(Formats({kMessage, kCopiedFiles, kUriList, kCutSelection, kText}),
-		MessageContent(message, ContentUse::kClipboard).Formats());
-	// A ref of a folder that nobody knows names no file, for nobody.
-	const entry_ref unknown(1, 1, "x");
-	BMessage lost('DATA');
-	lost.AddRef("refs", &unknown);
-	EXPECT_EQ(Formats({kMessage}), MessageContent(lost, ContentUse::kClipboard).Formats());
-}
-
 TEST(MessageContent, IsAskedForOneFormatAndNotAgainWhenNobodyAnswers)
 {
 	TempTree tree{{"x", Text()}};

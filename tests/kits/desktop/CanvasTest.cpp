@@ -2,6 +2,8 @@
 
 #include <desktop/Canvas.h>
 
+#include "tests/support/Storm.h"
+
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
@@ -154,49 +156,27 @@ TEST(Canvas, InvertsEveryPixelOfAnOutlineOrLineOnce)
 	}
 }
 
-TEST(Canvas, NeighboursMeetWithoutSeamOrOverlapAtAnyScale)
-{
-	for (const double scale : {1.0, 1.25, 1.5, 1.75, 2.0}) {
-		Canvas canvas(21, 9, scale);
-		for (int32 x = 0; x <= 20; x += 3) {
-			const int32 right = std::min(x + 2, 20);
-			canvas.FillRect({x, 0, right, 3}, x % 2 ? RedInk() : Ink());
-			canvas.FillRect({x, 4, right, 8}, x % 2 ? Ink() : RedInk());
-		}
-		EXPECT_EQ(Letters(canvas).find('.'), std::string::npos) << scale;
-		for (int32 x = 0; x <= 20; x++) {
-			const uint32 expected = (x - x % 3) % 2 ? kRed : kBlack;
-			EXPECT_EQ(canvas.PixelAt(DeviceEdge(x, scale), 0), expected);
-			EXPECT_EQ(canvas.PixelAt(DeviceEdge(x + 1, scale) - 1, 0), expected);
-		}
-	}
-}
-
 TEST(Canvas, MovesPixelsOntoThemselvesAsIfDrawnThere)
 {
-	const auto drawAt = [](Canvas& canvas, int32 dx, int32 dy) {
+	const auto cross = [](Canvas& canvas, int32 x, int32 y) {
+		Ink white;
+		white.high = {255, 255, 255};
+		canvas.FillRect(PixelRect{0, 0, 19, 19}.Offset(x, y), white);
 		for (int32 i = 0; i < 20; i++) {
-			canvas.FillRect(PixelRect{i, i, i, i}.Offset(dx, dy), Ink());
-			canvas.FillRect(PixelRect{19 - i, i, 19 - i, i}.Offset(dx, dy), RedInk());
+			canvas.FillRect(PixelRect{i, i, i, i}.Offset(x, y), Ink());
+			canvas.FillRect(PixelRect{19 - i, i, 19 - i, i}.Offset(x, y), RedInk());
 		}
 	};
 	for (const double scale : {1.0, 1.25, 1.5, 2.0}) {
 		for (const auto& [dx, dy] : {std::pair{0, 3}, {0, -3}, {4, 0}, {-5, 2}, {1, -1}}) {
-			Canvas moved(40, 40, scale);
-			drawAt(moved, 10, 10);
+			Canvas moved(40, 40, scale), expected(40, 40, scale);
+			cross(moved, 10, 10);
 			moved.MovePixels({10, 10, 29, 29}, dx, dy);
-			Canvas expected(40, 40, scale);
-			drawAt(expected, 10, 10);
-			Ink white;
-			white.high = {255, 255, 255};
-			expected.FillRect(PixelRect{10, 10, 29, 29}.Offset(dx, dy), white);
-			drawAt(expected, 10 + dx, 10 + dy);
+			cross(expected, 10, 10);
+			cross(expected, 10 + dx, 10 + dy);
 			EXPECT_EQ(Letters(moved), Letters(expected)) << scale << " " << dx << " " << dy;
 		}
 	}
-	Canvas canvas(8, 8, 1.25);
-	EXPECT_TRUE(canvas.MovesExactly(4, -8));
-	EXPECT_FALSE(canvas.MovesExactly(0, 3));
 }
 
 TEST(Canvas, MovesOnlyWhatStaysInside)
@@ -205,21 +185,12 @@ TEST(Canvas, MovesOnlyWhatStaysInside)
 	canvas.FillRect({0, 0, 3, 0}, Ink());
 	canvas.MovePixels({-10, -10, 30, 30}, 2, 1);
 	EXPECT_EQ(Letters(canvas), "\n####\n..##\n....");
-}
-
-TEST(Canvas, KeepsPixelsThroughResizesAndClearsForANewScale)
-{
-	Canvas canvas(3, 2, 1);
-	canvas.FillRect({0, 0, 2, 1}, RedInk());
-	canvas.Resize(500, 400, 1);
-	canvas.Resize(2, 1, 1);
-	EXPECT_EQ(Letters(canvas), "\nrr");
-	canvas.FillRect({0, 0, 90, 90}, RedInk());
-	canvas.Resize(2, 1, 2);
-	EXPECT_EQ(Letters(canvas), "\n....\n....");
 	Canvas nothing(0, 0, 1); // a window without rows is legal
 	nothing.FillRect({0, 0, 5, 5}, Ink());
 	nothing.MovePixels({0, 0, 5, 5}, 1, 1);
+	Canvas scaled(8, 8, 1.25);
+	EXPECT_TRUE(scaled.MovesExactly(4, -8));
+	EXPECT_FALSE(scaled.MovesExactly(0, 3));
 }
 
 TEST(CanvasText, StaysInsideTheClipAndItsMeasuredWidth)
@@ -265,20 +236,16 @@ TEST(CanvasText, CopyMixesTheTwoColoursAndLeavesTheBackground)
 	Canvas canvas(100, 40, 1);
 	canvas.FillRect({0, 0, 99, 39}, RedInk());
 	Draw(canvas, 10, 25, "Text"); // black and white upon red
-	bool sawInk = false;
+	int ink = 0;
 	for (int32 y = 0; y < 40; y++) {
 		for (int32 x = 0; x < 100; x++) {
 			const uint32 pixel = canvas.PixelAt(x, y);
-			if (pixel == kRed)
-				continue;
-			sawInk = true;
-			EXPECT_EQ(pixel & 0xff, pixel >> 8 & 0xff) << "a grey without red";
-			EXPECT_EQ(pixel & 0xff, pixel >> 16 & 0xff);
+			const bool isGrey = pixel == 0xff000000 + 0x010101 * (pixel & 0xff);
+			EXPECT_TRUE(pixel == kRed || isGrey) << std::hex << pixel;
+			ink += isGrey;
 		}
 	}
-	EXPECT_TRUE(sawInk);
-	EXPECT_EQ(canvas.PixelAt(10, 5), kRed);
-	EXPECT_EQ(InkBounds(canvas), (PixelRect{0, 0, 99, 39}));
+	EXPECT_GT(ink, 0);
 }
 
 TEST(CanvasText, TakesBytesOfAnyKind)
@@ -305,25 +272,15 @@ TEST(CanvasText, TakesBytesOfAnyKind)
 
 TEST(CanvasText, IsTheSameInEveryThread)
 {
-	const auto draw = [](Canvas& canvas) {
+	std::array<std::string, 4> pictures;
+	InThreads(4, [&](int thread) {
+		Canvas canvas(200, 320, 1);
 		for (int i = 0; i < 60; i++)
 			Draw(canvas, 2, 14 + i * 5, "Name " + std::to_string(i % 13) + " \xc3\xa9\xd7\x90");
-	};
-	Canvas expected(200, 320, 1);
-	draw(expected);
-	std::vector<std::thread> threads;
-	std::array<std::string, 4> pictures;
-	for (std::string& picture : pictures) {
-		threads.emplace_back([&] {
-			Canvas canvas(200, 320, 1);
-			draw(canvas);
-			picture = Letters(canvas);
-		});
-	}
-	for (std::thread& thread : threads)
-		thread.join();
+		pictures[size_t(thread)] = Letters(canvas);
+	});
 	for (const std::string& picture : pictures)
-		EXPECT_EQ(picture, Letters(expected));
+		EXPECT_EQ(picture, pictures[0]);
 }
 
 TEST(CanvasText, DoesNotDependOnWhatWasDrawnBefore)
@@ -351,18 +308,6 @@ TEST(CanvasText, DoesNotDependOnWhatWasDrawnBefore)
 		EXPECT_EQ(width, freshWidth) << text;
 		EXPECT_EQ(picture, freshPicture) << text;
 	}
-}
-
-TEST(CanvasText, FontsHaveSensibleHeights)
-{
-	for (const FontFace face : {FontFace::kPlain, FontFace::kBold, FontFace::kFixed}) {
-		const FontHeights heights = HeightsOf({face, 12});
-		EXPECT_GT(heights.ascent, 6);
-		EXPECT_LT(heights.ascent + heights.descent + heights.leading, 24);
-		EXPECT_GE(heights.leading, 0);
-	}
-	const FontSpec fixed{FontFace::kFixed, 12};
-	EXPECT_EQ(WidthOf(fixed, "iii", 3), WidthOf(fixed, "WWW", 3));
 }
 
 TEST(CanvasPicture, CopiesBlendsAndScales)

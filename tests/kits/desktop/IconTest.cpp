@@ -5,6 +5,7 @@
 #include <desktop/IconTheme.h>
 #include <desktop/Types.h>
 
+#include "tests/support/Storm.h"
 #include "tests/support/TempTree.h"
 
 #include <QBuffer>
@@ -12,13 +13,10 @@
 #include <gtest/gtest.h>
 
 #include <set>
-#include <thread>
 
 using namespace desktop;
 
 namespace {
-
-constexpr int kBuiltinIcons = int(BuiltinIcon::kUnknown) + 1;
 
 // A picture of one colour, as a file.
 TempItem
@@ -60,20 +58,16 @@ Found(const IconTheme& theme, const std::vector<std::string>& names, int32 size 
 
 TEST(BuiltinIcons, EachIsDifferentFromTheOthers)
 {
+	constexpr int kIcons = int(BuiltinIcon::kUnknown) + 1;
 	for (int32 size : {16, 32, 64}) {
-		std::set<QByteArray> seen;
-		for (int i = 0; i < kBuiltinIcons; i++) {
+		std::set<std::string> seen;
+		for (int i = 0; i < kIcons; i++) {
 			const QImage image = DrawBuiltinIcon(BuiltinIcon(i), size);
 			ASSERT_EQ(image.size(), QSize(size, size));
-			int painted = 0;
-			for (int at = 0; at < size * size; at++)
-				painted += qAlpha(image.pixel(at % size, at / size)) == 255;
-			EXPECT_GT(painted, size * size / 3) << i;
-			EXPECT_LT(painted, size * size) << i;
-			seen.insert(
-				QByteArray(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes()));
+			seen.emplace(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes());
+			EXPECT_EQ(qAlpha(image.pixel(size / 2, size / 2)), 255) << i;
 		}
-		EXPECT_EQ(seen.size(), size_t(kBuiltinIcons)) << size;
+		EXPECT_EQ(seen.size(), size_t(kIcons)) << size;
 	}
 }
 
@@ -150,37 +144,16 @@ TEST(IconTheme, OwnPicturesComeBeforeInheritedOnes)
 		EXPECT_EQ(Found(IconTheme({tree.Path()}, name), {"last"}), QColor(Qt::blue)) << name;
 }
 
-TEST(Types, EveryTypeHasAnIconInEachSize)
-{
-	for (const char* type : {kFolderType, kLinkType, kBrokenLinkType, kUnknownType, "text/plain",
-			 "image/png", "no/such", "nonsense", ""}) {
-		for (int32 size : {16, 32, 64}) {
-			const IconPixels icon = LoadTypeIcon(type, size);
-			EXPECT_EQ(icon.size, size) << type;
-			ASSERT_EQ(icon.pixels.size(), size_t(size * size)) << type;
-			EXPECT_TRUE(std::any_of(icon.pixels.begin(), icon.pixels.end(), [](uint32 pixel) {
-				return pixel >> 24 == 255;
-			})) << type;
-		}
-	}
-}
-
 TEST(Types, ThreadsMayAskAtOnce)
 {
-	std::vector<std::thread> threads;
-	std::vector<std::string> results(4);
-	for (std::string& result : results) {
-		threads.emplace_back([&result] {
-			for (const char* name : {"a.txt", "b.jpg", "c.mp3", "d.zip", "e.html"}) {
-				const std::string type = TypeByName(name);
-				const IconPixels icon = LoadTypeIcon(type, 16);
-				result += type + ": " + TypeDescription(type) + ", " +
-					std::to_string(icon.pixels[100]) + "\n";
-			}
-		});
-	}
-	for (std::thread& thread : threads)
-		thread.join();
+	std::string results[4];
+	InThreads(4, [&results](int thread) {
+		for (const char* name : {"a.txt", "b.jpg", "c.mp3", "d.zip", "e.html"}) {
+			const std::string type = TypeByName(name);
+			results[thread] += type + ": " + TypeDescription(type) + ", " +
+				std::to_string(LoadTypeIcon(type, 16).pixels[100]) + "\n";
+		}
+	});
 	for (const std::string& result : results)
 		EXPECT_EQ(result, results[0]);
 	EXPECT_EQ(TypeByName("nothing at all"), "");

@@ -9,8 +9,6 @@
 #include "tests/support/ListenedWindow.h"
 #include "tests/support/Waiting.h"
 
-#include <gtest/gtest.h>
-
 #include <future>
 #include <thread>
 
@@ -53,21 +51,13 @@ NewPage()
 	return new BView(BRect(0, 0, 200, 200), "page", B_FOLLOW_ALL_SIDES, B_WILL_DRAW);
 }
 
-class CountingButton : public BButton {
-public:
-	explicit CountingButton(const char* label) :
-		BButton(BRect(10, 10, 90, 35), "button", label, new BMessage('push'))
-	{}
-};
+BButton*
+NewButton(uint32 what = 'push')
+{
+	return new BButton(BRect(10, 10, 90, 35), "button", "Push", new BMessage(what));
+}
 
 } // namespace
-
-TEST(Alert, TheRightmostButtonTakesEnter)
-{
-	std::future<int32> answer = Ask("enter");
-	Answer(InjectedUser("enter"), B_ENTER);
-	EXPECT_EQ(AnswerOf(answer), 1);
-}
 
 TEST(Alert, ShortcutsAndTheCloseBoxEndIt)
 {
@@ -108,22 +98,6 @@ TEST(Alert, ButtonsStandInOrderAtTheRight)
 	EXPECT_EQ(alert->DefaultButton(), alert->ButtonAt(2));
 	EXPECT_EQ(alert->ButtonAt(3), nullptr);
 	alert->Quit();
-}
-
-TEST(Alert, OtherWindowsTakeNoInputWhileItIsOpen)
-{
-	BButton* button = new CountingButton("Push");
-	ListenedWindow window(200, 200, button);
-	std::future<int32> answer = Ask("modal");
-	InjectedUser user("modal");
-	window.User().Click(20, 20);
-	window.Settle();
-	EXPECT_TRUE(window->Take('push').empty());
-	Answer(user, B_ENTER);
-	EXPECT_EQ(AnswerOf(answer), 1);
-	window.User().Click(20, 20);
-	window.Settle();
-	EXPECT_EQ(window->Take('push').size(), 1u);
 }
 
 TEST(Alert, OnlyALoopersAlertKeepsAWindowOpen)
@@ -223,7 +197,7 @@ TEST(Alert, TheWindowThatAsksStillRepaints)
 
 TEST(Button, ActsOnReleaseInsideOnly)
 {
-	BButton* button = new CountingButton("Push");
+	BButton* button = NewButton();
 	ListenedWindow window(200, 200, button);
 	window.User().Press(20, 20);
 	window.User().Move(150, 150);
@@ -247,9 +221,8 @@ TEST(Button, ActsOnReleaseInsideOnly)
 TEST(Button, SpaceAndTheWindowsEnterPressIt)
 {
 	BView* page = NewPage();
-	BButton* focused = new CountingButton("Focused");
-	BButton* other = new CountingButton("Default");
-	other->SetMessage(new BMessage('dflt'));
+	BButton* focused = NewButton();
+	BButton* other = NewButton('dflt');
 	page->AddChild(focused);
 	page->AddChild(other);
 	ListenedWindow window(200, 200, page);

@@ -53,17 +53,6 @@ TEST(Bitmap, RowsArePaddedToFourBytes)
 	EXPECT_FALSE(BBitmap(BRect(), B_CMAP8).IsValid());
 }
 
-TEST(Bitmap, PaletteHasGreysWhiteAndTransparency)
-{
-	EXPECT_EQ(PaletteColor(0), 0xff000000);
-	EXPECT_EQ(PaletteColor(0x12), 0xff909090);
-	EXPECT_EQ(PaletteColor(31), 0xfff8f8f8);
-	EXPECT_EQ(PaletteColor(0x3f), 0xffffffff);
-	EXPECT_EQ(PaletteColor(0xff) >> 24, 0u);
-	EXPECT_EQ(IndexOf(0xffffffff), 0x3f);
-	EXPECT_EQ(IndexOf(0x7f102030), 0xff);
-}
-
 TEST(Bitmap, TheNearestColourOfThePaletteIsTaken)
 {
 	uint32 palette[256];
@@ -76,25 +65,6 @@ TEST(Bitmap, TheNearestColourOfThePaletteIsTaken)
 			best = std::min(best, Distance(color, palette[entry]));
 		EXPECT_EQ(Distance(color, palette[IndexOf(color)]), best) << std::hex << color;
 	}
-}
-
-TEST(Bitmap, CopiesShareTheirPixelsUntilWrittenTo)
-{
-	BBitmap bitmap(BRect(0, 0, 3, 1), B_CMAP8);
-	memset(bitmap.Bits(), 3, 8);
-	const BBitmap copy(bitmap);
-	auto shares = [&] { return std::as_const(bitmap).Bits() == copy.Bits(); };
-	EXPECT_TRUE(shares());
-	const uint8 data[] = {1};
-	bitmap.SetBits(data, 1, 0, B_CMAP8);
-	EXPECT_FALSE(shares());
-	EXPECT_EQ(*static_cast<const uint8*>(copy.Bits()), 3);
-
-	EXPECT_EQ(bitmap.SharePixels(copy), B_OK);
-	EXPECT_TRUE(shares());
-	EXPECT_EQ(bitmap.SharePixels(BBitmap(BRect(0, 0, 3, 1), B_RGB32)), B_BAD_VALUE);
-	EXPECT_EQ(bitmap.SharePixels(BBitmap(BRect(0, 0, 3, 2), B_CMAP8)), B_BAD_VALUE);
-	EXPECT_TRUE(shares());
 }
 
 TEST(Bitmap, BitsThatDoNotFitAreCutOff)
@@ -133,8 +103,6 @@ TEST(Region, RectanglesThatAreNotValidChangeNothing)
 	region.Include(BRect(20, 20, 19, 25));
 	region.Exclude(BRect(5, 5, 4, 9));
 	EXPECT_EQ(region.Frame(), BRect(0, 0, 9, 9));
-	EXPECT_FALSE(region.Intersects(BRect()));
-	EXPECT_FALSE(region.RectAt(1).IsValid());
 	region.IntersectWith(BRect());
 	EXPECT_FALSE(region.Frame().IsValid());
 }

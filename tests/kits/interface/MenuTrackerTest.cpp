@@ -51,6 +51,11 @@ protected:
 	{
 		fTracker->MouseMoved(Row(level, row), when);
 	}
+	void Type(const std::string& keys)
+	{
+		for (char key : keys)
+			fTracker->Key({key}, 0);
+	}
 	void Release(BPoint where, bigtime_t when) { fTracker->MouseUp(where, 0, when); }
 
 	void PaneOpened(int32 level, const MenuPane&) override { fPanes = level + 1; }
@@ -144,26 +149,43 @@ TEST_F(Tracking, SubmenusWaitForThePointerToRest)
 TEST_F(Tracking, KeysGoThroughSubmenus)
 {
 	Open();
-	const auto type = [this](char key) { fTracker->Key({key}, 0); };
-	type(B_LEFT_ARROW);
-	type(B_UP_ARROW); // round the end
-	type(B_ENTER);
+	Type({B_LEFT_ARROW, B_UP_ARROW, B_ENTER}); // round the end
 	ASSERT_EQ(fPanes, 2);
-	type(B_LEFT_ARROW);
+	Type({B_LEFT_ARROW});
 	EXPECT_EQ(fPanes, 1);
-	type(B_RIGHT_ARROW);
-	type(B_ESCAPE);
+	Type({B_RIGHT_ARROW, B_ESCAPE});
 	EXPECT_EQ(fPanes, 1);
 	EXPECT_FALSE(fTracker->IsOver());
-	type(B_ESCAPE);
+	Type({B_ESCAPE});
 	EXPECT_TRUE(fTracker->IsOver());
+}
+
+TEST_F(Tracking, KeysChooseAndSkipWhatIsDisabled)
+{
+	fMenu.RemoveItem(3);
+	fMenu.AddItem(new BSeparatorItem, 1); // one, -, two, three
+	fMenu.ItemAt(3)->SetEnabled(false);
+	const std::pair<const char*, int32> kChoices[] = {
+		{"\x1f\x1f\n", 2}, // down: over the separator
+		{"\x1f\x1e ", 2},  // up, round the end: over the disabled item
+		{"\x1e\x1f\n", 0}, // and back
+		{"\x04\n", 2},     // End
+		{"\x04\x01\n", 0}, // Home
+		{"t\n", 2},        // a first letter; the other one's item is disabled
+		{"to\x1f\n", 0},   // no item begins so
+	};
+	for (const auto& [keys, index] : kChoices) {
+		Open();
+		Type(keys);
+		EXPECT_EQ(fTracker->Choice(), fMenu.ItemAt(index)) << keys;
+	}
+	delete fSubmenu;
 }
 
 TEST_F(Tracking, LettersTypedInOneGoMakeABeginning)
 {
 	Open();
-	fTracker->Key({B_END}, 0);
-	fTracker->Key({B_RIGHT_ARROW}, 0);
+	Type({B_END, B_RIGHT_ARROW});
 	const auto typed = [this](const char* letter, bigtime_t when) {
 		fTracker->Key(letter, when);
 		return fTracker->Pane(1).highlight;
@@ -183,8 +205,7 @@ TEST_F(Tracking, SubmenusFindRoomOnTheOtherSide)
 	Open();
 	const BRect menu = fTracker->Pane(0).frame;
 	EXPECT_EQ(menu.RightBottom(), fStart.screen.RightBottom());
-	fTracker->Key({B_END}, 0);
-	fTracker->Key({B_RIGHT_ARROW}, 0);
+	Type({B_END, B_RIGHT_ARROW});
 	const BRect submenu = fTracker->Pane(1).frame;
 	EXPECT_LE(submenu.right, menu.left + 2);
 	EXPECT_TRUE(fStart.screen.Contains(submenu));

@@ -87,13 +87,3 @@ TEST(RowLayout, RandomChangesAgreeWithPlainSums)
 		ASSERT_NO_FATAL_FAILURE(ExpectSame(layout, model, random)) << "step " << step;
 	}
 }
-
-TEST(RowLayout, FarRowsKeepWholePixels)
-{
-	RowLayout layout;
-	layout.Insert(0, std::vector<float>(2000000, 18));
-	EXPECT_EQ(layout.TopOf(1999999), 1999999.0 * 19);
-	EXPECT_EQ(layout.RowAt(1999999.0 * 19 - 1), 1999998);
-	layout.Remove(0, 1999999);
-	EXPECT_EQ(layout.TotalHeight(), 19);
-}

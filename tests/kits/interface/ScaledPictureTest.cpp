@@ -4,14 +4,13 @@
 // matters. Expectations come from the views' places in logical pixels.
 
 #include <interface/Look.h>
-#include <interface/MenuRows.h>
-#include <interface/PopUpMenu.h>
 #include <interface/ScrollBar.h>
 #include <interface/ScrollView.h>
 
 #include "tests/support/TestWindow.h"
 #include "tests/support/Waiting.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -30,46 +29,32 @@ Edge(int32 logical)
 	return static_cast<int32>(std::floor(logical * Scale() + 0.5));
 }
 
-// What a window should show: one colour for each logical pixel.
-class Expected {
-public:
-	Expected(int32 columns, int32 rows, uint32 colour) :
-		fColumns(columns), fRows(rows), fPixels(static_cast<size_t>(columns * rows), colour)
-	{}
+// What a window should show, by its logical pixels.
+struct Expected : InjectedUser::Picture {
+	Expected(int32 columns, int32 rows, uint32 colour)
+	{
+		width = Edge(columns);
+		height = Edge(rows);
+		pixels.assign(static_cast<size_t>(width * height), colour);
+	}
 
 	void Fill(int32 left, int32 top, int32 right, int32 bottom, uint32 colour)
 	{
-		for (int32 y = top; y <= bottom; y++) {
-			for (int32 x = left; x <= right; x++)
-				fPixels[static_cast<size_t>(y * fColumns + x)] = colour;
+		for (int32 y = Edge(top); y < Edge(bottom + 1); y++) {
+			for (int32 x = Edge(left); x < Edge(right + 1); x++)
+				pixels[static_cast<size_t>(y * width + x)] = colour;
 		}
 	}
 
 	void Compare(const InjectedUser::Picture& picture) const
 	{
-		ASSERT_EQ(Edge(fColumns), picture.width);
-		ASSERT_EQ(Edge(fRows), picture.height);
-		for (int32 y = 0; y < fRows; y++) {
-			for (int32 x = 0; x < fColumns; x++)
-				ComparePixel(picture, x, y);
+		ASSERT_EQ(width, picture.width);
+		ASSERT_EQ(height, picture.height);
+		for (int32 y = 0; y < height; y++) {
+			for (int32 x = 0; x < width; x++)
+				ASSERT_EQ(At(x, y), picture.At(x, y)) << "device " << x << "," << y;
 		}
 	}
-
-private:
-	void ComparePixel(const InjectedUser::Picture& picture, int32 x, int32 y) const
-	{
-		for (int32 deviceY = Edge(y); deviceY < Edge(y + 1); deviceY++) {
-			for (int32 deviceX = Edge(x); deviceX < Edge(x + 1); deviceX++) {
-				ASSERT_EQ(
-					fPixels[static_cast<size_t>(y * fColumns + x)], picture.At(deviceX, deviceY))
-					<< "logical " << x << "," << y << " device " << deviceX << "," << deviceY;
-			}
-		}
-	}
-
-	int32 fColumns;
-	int32 fRows;
-	std::vector<uint32> fPixels;
 };
 
 constexpr uint32 kRed = 0xffff0000, kBlue = 0xff0000ff, kGreen = 0xff00ff00, kBlack = 0xff000000;
@@ -135,8 +120,7 @@ TEST(ScaledPicture, ScrollingAndResizingLeaveWhatAFullRepaintDraws)
 	Rows* rows = new Rows(BRect(2, 2, 103, 73));
 	BScrollView* scroll =
 		new BScrollView(nullptr, rows, B_FOLLOW_ALL, 0, true, true, B_FANCY_BORDER);
-	window->AddChild(scroll);
-	window->ShowAndSettle();
+	window->ShowWith({scroll});
 	auto isAsRepainted = [&] {
 		const InjectedUser::Picture before = window->Snapshot();
 		window->Do([&] {
@@ -192,75 +176,32 @@ TEST(ScaledPicture, ArrowsAreEvenTrianglesInTheMiddleOfTheirBoxes)
 			 ArrowDirection::kLeft, ArrowDirection::kRight}) {
 		Shown window(kBox, kBox);
 		BView* view = new BView(BRect(0, 0, kBox - 1, kBox - 1), nullptr, B_FOLLOW_ALL, 0);
-		window->AddChild(view);
-		window->ShowAndSettle();
+		window->ShowWith({view});
 		window->Do([&] { BPrivate::DrawArrow(view, view->Bounds(), direction, {0, 0, 0, 255}); });
 		const InjectedUser::Picture picture = window->Snapshot();
 		const bool upright = direction == ArrowDirection::kUp || direction == ArrowDirection::kDown;
-		const bool pointFirst =
-			direction == ArrowDirection::kUp || direction == ArrowDirection::kLeft;
-		// From the point to the base.
-		std::vector<int32> widths;
 		const int32 side = picture.width;
-		for (int32 i = 0; i < side; i++) {
-			const int32 along = pointFirst ? i : side - 1 - i;
-			int32 first = side, last = -1, ink = 0;
+		std::vector<int32> widths;
+		for (int32 along = 0; along < side; along++) {
+			std::vector<int32> ink;
 			for (int32 across = 0; across < side; across++) {
-				const uint32 pixel =
-					upright ? picture.At(across, along) : picture.At(along, across);
-				if (pixel == 0xffffffff)
-					continue;
-				ASSERT_EQ(kBlack, pixel); // no blends
-				first = std::min(first, across);
-				last = std::max(last, across);
-				ink++;
+				if ((upright ? picture.At(across, along) : picture.At(along, across)) == kBlack)
+					ink.push_back(across);
 			}
-			if (ink == 0)
+			if (ink.empty())
 				continue;
-			EXPECT_EQ(ink, last - first + 1);
-			EXPECT_LE(std::abs(first - (side - 1 - last)), 1);
-			widths.push_back(ink);
+			EXPECT_EQ(ink.size(), static_cast<size_t>(ink.back() - ink.front() + 1));
+			EXPECT_LE(std::abs(ink.front() - (side - 1 - ink.back())), 1);
+			widths.push_back(static_cast<int32>(ink.size()));
 		}
-		// One step for each device pixel, not one for each logical one.
+		if (direction == ArrowDirection::kDown || direction == ArrowDirection::kRight)
+			std::reverse(widths.begin(), widths.end());
+		// One step for each device pixel, not one for each logical one; and no blends.
 		ASSERT_EQ(Edge(9) - Edge(5), static_cast<int32>(widths.size()));
-		for (size_t i = 1; i < widths.size(); i++)
-			EXPECT_GT(widths[i], widths[i - 1]);
+		EXPECT_TRUE(std::is_sorted(widths.begin(), widths.end(), std::less_equal<>()));
 		EXPECT_EQ(Edge(11) - Edge(3), widths.back());
+		EXPECT_EQ(picture.Count(kBlack) + picture.Count(0xffffffff), side * side);
 	}
-}
-
-TEST(ScaledPicture, MenusHaveEvenRowsAndEdges)
-{
-	constexpr uint32 kFace = 0xffd8d8d8, kChosen = 0xffb8b8b8, kLight = 0xffffffff;
-	constexpr uint32 kSoftLight = 0xffe8e8e8, kDark = 0xff989898, kDarkest = 0xff6c6c6c;
-	BPopUpMenu menu("scaled menu");
-	menu.AddItem(new BMenuItem("", nullptr));
-	menu.AddSeparatorItem();
-	menu.AddItem(new BMenuItem("", nullptr));
-	menu.Go(BPoint(50, 50), false, true, true);
-	InjectedUser user("scaled menu");
-	user.KeyDown({B_UP_ARROW});
-
-	const BPrivate::MenuRows rows(menu);
-	const int32 right = rows.Width() - 1, bottom = rows.Height() + 2 * BPrivate::kMenuEdge - 1;
-	Expected expected(right + 1, bottom + 1, kFace);
-	expected.Fill(0, 0, right, 0, kLight);
-	expected.Fill(right, 1, right, bottom, kDarkest);
-	expected.Fill(0, bottom, right, bottom, kDarkest);
-	expected.Fill(0, 0, 0, bottom, kLight);
-	expected.Fill(right, 0, right, 0, kLight);
-	expected.Fill(1, 1, right - 1, 1, kSoftLight);
-	expected.Fill(right - 1, 2, right - 1, bottom - 1, kDark);
-	expected.Fill(1, bottom - 1, right - 1, bottom - 1, kDark);
-	expected.Fill(1, 1, 1, bottom - 1, kSoftLight);
-	const auto top = [&rows](int32 row) { return BPrivate::kMenuEdge + rows.At(row).top; };
-	expected.Fill(2, top(2), right - 2, top(2) + rows.At(2).height - 1, kChosen);
-	const int32 line = top(1) + rows.At(1).height / 2 - 1;
-	expected.Fill(3, line, right - 3, line, kDark);
-	expected.Fill(3, line + 1, right - 3, line + 1, kLight);
-	EXPECT_TRUE(WaitUntil(
-		[&] { return user.Snapshot().At(Edge(right / 2), Edge(top(2) + 5)) == kChosen; }));
-	expected.Compare(user.Snapshot());
 }
 
 // From left or top to right or bottom, in logical pixels.
@@ -273,29 +214,6 @@ ExpectEdges(const InjectedUser::Picture& picture, int32 x, int32 y, int32 dx, in
 		x += dx;
 		y += dy;
 	}
-}
-
-TEST(ScaledPicture, BevelsHaveTheirGreysOnAllSides)
-{
-	Shown window(30, 90);
-	BView* view = new BView(BRect(0, 0, 29, 89), nullptr, B_FOLLOW_ALL, 0);
-	window->AddChild(view);
-	window->ShowAndSettle();
-	window->Do([&] {
-		BPrivate::DrawRaised(view, BRect(5, 5, 24, 24), BPrivate::kPanelColor);
-		BPrivate::DrawPressed(view, BRect(5, 35, 24, 54), BPrivate::kPanelColor);
-		BPrivate::DrawSunken(view, BRect(5, 65, 24, 84));
-	});
-	const InjectedUser::Picture picture = window->Snapshot();
-	ExpectEdges(picture, 4, 15, 1, 0, {255, 255, 232, 216, 216});
-	ExpectEdges(picture, 15, 4, 0, 1, {255, 255, 232, 216, 216});
-	ExpectEdges(picture, 25, 15, -1, 0, {255, 108, 152, 216, 216});
-	ExpectEdges(picture, 15, 25, 0, -1, {255, 108, 152, 216, 216});
-	ExpectEdges(picture, 4, 45, 1, 0, {255, 108, 152, 216, 216});
-	ExpectEdges(picture, 15, 55, 0, -1, {255, 255, 232, 216, 216});
-	ExpectEdges(picture, 4, 75, 1, 0, {255, 152, 108, 255, 255});
-	ExpectEdges(picture, 15, 64, 0, 1, {255, 152, 108, 255, 255});
-	ExpectEdges(picture, 25, 75, -1, 0, {255, 255, 216, 255, 255});
 }
 
 TEST(ScaledPicture, ScrollBarsShowThumbTroughAndArrows)

@@ -7,8 +7,6 @@
 
 #include "tests/support/ListenedWindow.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 constexpr uint32 kSent = 'sent';
@@ -199,38 +197,4 @@ TEST_F(TextControlTest, EachChangeByTheUserIsTold)
 	EXPECT_EQ(Sent(kModified), 1u);
 	window.Get()->Do([&] { field->SetText("quiet"); });
 	EXPECT_EQ(Sent(kModified), 0u);
-}
-
-TEST_F(TextControlTest, TheBoxBeginsBehindTheLabelAndFollowsEverySize)
-{
-	window.Under([&] {
-		float width = 0, height = 0;
-		field->GetPreferredSize(&width, &height);
-		EXPECT_LE(height, 18.5f);
-		EXPECT_EQ(field->Divider(), std::ceil(be_plain_font->StringWidth("Name:")) + 5);
-		EXPECT_EQ(second->Divider(), 0);
-		EXPECT_EQ(1, field->CountChildren());
-		EXPECT_EQ(field->TextView(), field->ChildAt(0));
-		const BRect editor = field->TextView()->Frame();
-		EXPECT_EQ(editor.left, field->Divider() + 2);
-		EXPECT_EQ(editor.right, field->Bounds().right - 2);
-		EXPECT_GE(editor.Height() + 1, field->TextView()->LineHeight());
-		field->ResizeBy(20, 0);
-		EXPECT_EQ(field->TextView()->Frame().right, editor.right + 20);
-		field->SetDivider(80);
-		EXPECT_EQ(field->TextView()->Frame().left, 82);
-	});
-	window.Settle();
-	// The text's line is as low as the label's.
-	const InjectedUser::Picture picture = user.Snapshot();
-	const auto lowest = [&](int from, int to) {
-		for (int y = 26; y > 10; y--) {
-			for (int x = from; x < to; x++) {
-				if ((picture.At(x, y) & 0xff) < 0x80)
-					return y;
-			}
-		}
-		return 0;
-	};
-	EXPECT_EQ(lowest(10, 40), lowest(94, 120));
 }

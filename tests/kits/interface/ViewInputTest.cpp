@@ -8,8 +8,6 @@
 #include "tests/support/TestWindow.h"
 #include "tests/support/Waiting.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
@@ -281,24 +279,4 @@ TEST_F(ViewInput, PollingTakesQueuedMouseMessagesInOrder)
 	user.Move(60, 5);
 	for (const std::string& note : Taken())
 		EXPECT_NE("left outside 60,5", note); // the release taken ended the capture
-}
-
-TEST_F(ViewInput, PulsesComeOnlyToThoseWhoWantThem)
-{
-	class Pulsing : public BView {
-	public:
-		explicit Pulsing(uint32 flags) : BView(BRect(0, 50, 9, 59), nullptr, B_FOLLOW_NONE, flags)
-		{}
-		void Pulse() override { pulses++; }
-		std::atomic<int> pulses = 0;
-	};
-	Pulsing* wants = new Pulsing(B_PULSE_NEEDED);
-	Pulsing* plain = new Pulsing(0);
-	window->Do([&] {
-		window->AddChild(wants);
-		window->AddChild(plain);
-		window->SetPulseRate(1000);
-	});
-	EXPECT_TRUE(WaitUntil([&] { return wants->pulses >= 3; }));
-	EXPECT_EQ(0, plain->pulses);
 }

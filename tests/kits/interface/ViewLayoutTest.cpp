@@ -5,8 +5,6 @@
 #include "tests/support/Storm.h"
 #include "tests/support/TestWindow.h"
 
-#include <gtest/gtest.h>
-
 #include <random>
 #include <utility>
 
@@ -47,20 +45,14 @@ public:
 	{
 		SetViewColor(color);
 	}
-	void FrameMoved(BPoint where) override
-	{
-		moves++;
-		lastWhere = where;
-	}
-	void FrameResized(float width, float height) override
+	void FrameMoved(BPoint) override { moves++; }
+	void FrameResized(float width, float) override
 	{
 		resizes++;
 		lastWidth = width;
-		lastHeight = height;
 	}
 	int moves = 0, resizes = 0;
-	BPoint lastWhere;
-	float lastWidth = 0, lastHeight = 0;
+	float lastWidth = 0;
 };
 
 constexpr rgb_color kRed = {255, 0, 0, 255};
@@ -113,30 +105,6 @@ TEST(ViewLayout, MovesSettleOnWholePixelsAndSizesAreCut)
 	EXPECT_EQ(BRect(4, 7, 9, 15), view.Frame());
 }
 
-TEST(ViewLayout, NeighboursMeetWithoutGapOrOverlapAtEveryWidth)
-{
-	for (int columns = 90; columns < 102; columns++) {
-		Shown window(columns, 20);
-		float left = window->Bounds().Width() / 3;
-		float right = window->Bounds().right;
-		window->AddChild(new ColouredView(BRect(0, 0, left, 19), kRed));
-		window->AddChild(new ColouredView(BRect(left + 1, 0, left + 6, 19), kGreen));
-		window->AddChild(new ColouredView(BRect(left + 7, 0, right, 19), kBlue));
-		window->ShowAndSettle();
-		InjectedUser::Picture picture = window->Snapshot();
-		ASSERT_EQ(columns, picture.width);
-		int red = 0, green = 0, blue = 0;
-		for (int x = 0; x < columns; x++) {
-			uint32 pixel = picture.At(x, 10);
-			red += pixel == kRedPixel;
-			green += pixel == kGreenPixel;
-			blue += pixel == kBluePixel;
-		}
-		EXPECT_EQ(columns, red + green + blue);
-		EXPECT_EQ(6, green);
-	}
-}
-
 TEST(ViewLayout, AWindowsSizeReachesItsViewsAndTheirPicture)
 {
 	Shown window(100, 80);
@@ -144,9 +112,7 @@ TEST(ViewLayout, AWindowsSizeReachesItsViewsAndTheirPicture)
 		BRect(0, 0, 29, 79), kRed, B_FOLLOW_LEFT | B_FOLLOW_TOP_BOTTOM, B_FRAME_EVENTS);
 	ColouredView* right =
 		new ColouredView(BRect(30, 0, 99, 79), kBlue, B_FOLLOW_ALL_SIDES, B_FRAME_EVENTS);
-	window->AddChild(left);
-	window->AddChild(right);
-	window->ShowAndSettle();
+	window->ShowWith({left, right});
 	window->User().Resize(160, 120);
 	window->Settle();
 	{
@@ -214,33 +180,12 @@ TEST(WindowFrame, HooksTellEveryChangeOnceInTheWindowsThread)
 	window->Do([&] { EXPECT_EQ("", window->told) << "nothing has changed"; });
 }
 
-TEST(ViewLayout, FrameEventsComeOnceForABurstOfChanges)
-{
-	Shown window(100, 80);
-	ColouredView* view = new ColouredView(BRect(0, 0, 9, 9), kRed, B_FOLLOW_NONE, B_FRAME_EVENTS);
-	window->AddChild(view);
-	window->ShowAndSettle();
-	EXPECT_EQ(0, view->moves + view->resizes); // attaching tells nothing
-	window->Do([&] {
-		for (int i = 1; i <= 5; i++) {
-			view->MoveTo(i, 2 * i);
-			view->ResizeTo(10 + i, 20 + i);
-		}
-	});
-	EXPECT_EQ(1, view->moves);
-	EXPECT_EQ(BPoint(5, 10), view->lastWhere);
-	EXPECT_EQ(1, view->resizes);
-	EXPECT_EQ(15, view->lastWidth);
-}
-
 TEST(ViewLayout, LaterSiblingsAreInFrontAndHiddenOnesAreNot)
 {
 	Shown window(60, 20);
 	ColouredView* back = new ColouredView(BRect(0, 0, 39, 19), kRed);
 	ColouredView* front = new ColouredView(BRect(20, 0, 59, 19), kBlue);
-	window->AddChild(back);
-	window->AddChild(front);
-	window->ShowAndSettle();
+	window->ShowWith({back, front});
 	EXPECT_EQ(kRedPixel, window->Snapshot().At(19, 5));
 	EXPECT_EQ(kBluePixel, window->Snapshot().At(20, 5));
 	window->Do([&] { front->Hide(); });

@@ -8,13 +8,10 @@
 #include <desktop/GuiThread.h>
 #include <interface/Alert.h>
 #include <interface/Button.h>
-#include <interface/Modal.h>
 
 #include "tests/support/Storm.h"
 #include "tests/support/TestWindow.h"
 #include "tests/support/Waiting.h"
-
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <mutex>
@@ -156,16 +153,14 @@ void
 Renew(Places& places, int index, Dice& dice)
 {
 	StormWindow* window = new StormWindow;
+	const Place place = {window, BMessenger(window)};
 	const int what = dice(6);
 	if (what == 0) { // never shown
 		window->Quit();
 		return;
 	}
-	const Place place = {window, BMessenger(window)};
-	if (what == 1)
-		place.messenger.SendMessage(kMsgQuitInside);
-	else if (what == 2)
-		place.messenger.SendMessage(B_QUIT_REQUESTED);
+	if (what < 3)
+		place.messenger.SendMessage(what == 1 ? kMsgQuitInside : uint32(B_QUIT_REQUESTED));
 	else
 		places.Set(index, place);
 	window->Show();
@@ -178,23 +173,18 @@ DoSomething(Places& places, Dice& dice)
 {
 	const int index = dice(Places::kCount);
 	const Place place = places.Get(index);
-	if (!place.messenger.IsValid()) {
-		Renew(places, index, dice);
-		return;
-	}
+	if (!place.messenger.IsValid())
+		return Renew(places, index, dice);
 	if (dice(4) == 0) {
-		InjectedUser::ClickAnyWindow(static_cast<uint32>(dice(8)), static_cast<float>(dice(200)),
-			static_cast<float>(dice(200)));
-		return;
+		return InjectedUser::ClickAnyWindow(static_cast<uint32>(dice(8)),
+			static_cast<float>(dice(200)), static_cast<float>(dice(200)));
 	}
-	if (dice(16) == 0) {
+	if (dice(16) == 0)
 		place.messenger.SendMessage(kMsgQuitInside);
-		return;
-	}
 	// By the messenger, since another window may have come to where this one was.
 	if (!place.messenger.LockTarget())
 		return;
-	switch (dice(12)) {
+	switch (dice(10)) {
 		case 0:
 			place.window->Quit();
 			return;
@@ -207,13 +197,7 @@ DoSomething(Places& places, Dice& dice)
 		case 3:
 			place.window->ResizeTo(static_cast<float>(100 + dice(100)), 150);
 			break;
-		case 4:
-			place.window->SetTitle("another title");
-			break;
-		case 5:
-			place.window->UpdateIfNeeded();
-			break;
-		case 6: {
+		case 4: {
 			BMessage active(B_WINDOW_ACTIVATED);
 			active.AddBool("active", dice(2) == 0);
 			place.messenger.SendMessage(&active);
@@ -232,40 +216,6 @@ QuitLater(const BMessenger& messenger, BLooper* looper)
 		looper->Quit();
 }
 
-// Threads that ask until they are told to end.
-class Askers {
-public:
-	explicit Askers(int count)
-	{
-		for (int i = 0; i < count; i++) {
-			fThreads.emplace_back([this] {
-				while (!fEnding)
-					(new BAlert("asker", "Go on?", "No", "Yes"))->Go();
-			});
-		}
-	}
-	~Askers()
-	{
-		fEnding = true;
-		for (std::thread& thread : fThreads) {
-			std::atomic<bool> joined = false;
-			std::thread closer([&joined] {
-				while (!joined) {
-					BPrivate::CloseAllAlerts();
-					snooze(1000);
-				}
-			});
-			thread.join();
-			joined = true;
-			closer.join();
-		}
-	}
-
-private:
-	std::atomic<bool> fEnding = false;
-	std::vector<std::thread> fThreads;
-};
-
 } // namespace
 
 TEST(WindowLifecycle, WindowsAndViewsInAStormOfThreads)
@@ -273,16 +223,11 @@ TEST(WindowLifecycle, WindowsAndViewsInAStormOfThreads)
 	const int rounds = Rounds(300, 20000);
 	sWindows = sViews = 0;
 	Places places;
-	std::vector<std::thread> threads;
-	for (unsigned i = 0; i < 4; i++) {
-		threads.emplace_back([&places, rounds, i] {
-			Dice dice(20261125 + i);
-			for (int j = 0; j < rounds; j++)
-				DoSomething(places, dice);
-		});
-	}
-	for (std::thread& thread : threads)
-		thread.join();
+	InThreads(4, [&places, rounds](int thread) {
+		Dice dice(20261125 + static_cast<unsigned>(thread));
+		for (int i = 0; i < rounds; i++)
+			DoSomething(places, dice);
+	});
 	for (int i = 0; i < Places::kCount; i++)
 		QuitLater(places.Get(i).messenger, places.Get(i).window);
 	EXPECT_TRUE(WaitUntil([] { return sWindows == 0; })) << sWindows << " are left";
@@ -309,44 +254,6 @@ TEST(WindowLifecycle, AWindowThatWaitsInAnAlertEndsWhenTheAlertDoes)
 		if (quitter.joinable())
 			quitter.join();
 		EXPECT_TRUE(WaitUntil([&] { return !messenger.IsValid(); }));
-	}
-}
-
-TEST(WindowLifecycle, ApplicationsEndWithWindowsAndAlertsOpen)
-{
-	Dice dice(20261126);
-	for (int i = 0; i < Rounds(12, 600); i++) {
-		sWindows = 0;
-		std::unique_ptr<Askers> askers;
-		{
-			BApplication application("application/x-storm");
-			for (int j = dice(4); j > 0; j--) {
-				StormWindow* window = new StormWindow;
-				if (dice(3) == 0)
-					window->PostMessage(kMsgAlert);
-				window->Show();
-			}
-			StormWindow* unseen = new StormWindow; // never shown
-			askers = std::make_unique<Askers>(dice(3));
-			switch (dice(3)) {
-				case 0: // windows are asked, which agree
-					application.PostMessage(B_QUIT_REQUESTED);
-					application.Run();
-					break;
-				case 1: // they are not
-					application.Lock();
-					application.Quit();
-					application.Unlock();
-					application.Run();
-					break;
-				default: // it never runs
-					break;
-			}
-			EXPECT_TRUE(unseen->IsLocked());
-			// Alerts of threads that are not ours to end would hold it up for ever.
-			askers.reset();
-		}
-		EXPECT_EQ(0, sWindows);
 	}
 }
 
@@ -434,19 +341,4 @@ TEST(WindowLifecycle, ADeletedDefaultButtonIsForgotten)
 	});
 	window->User().Key(std::string(1, B_ENTER));
 	window->Settle();
-}
-
-TEST(WindowLifecycle, TheProgramsArgumentsComeFirst)
-{
-	class Listening : public BApplication {
-	public:
-		Listening() : BApplication("application/x-listening") {}
-		void ArgvReceived(int32 argc, char** argv) override { arguments.assign(argv, argv + argc); }
-		void ReadyToRun() override { PostMessage(B_QUIT_REQUESTED); }
-		std::vector<std::string> arguments;
-	} application;
-	application.Run();
-	const std::vector<std::string>& all = desktop::ProgramArguments();
-	ASSERT_FALSE(all.empty());
-	EXPECT_EQ(application.arguments, all.size() > 1 ? all : std::vector<std::string>());
 }

@@ -3,11 +3,9 @@
 // Semaphores: order, deletion, time limits, use outside of main().
 
 #include "tests/kits/kernel/Worker.h"
-#include "tests/support/Storm.h"
 
 #include <cstdlib>
 #include <deque>
-#include <random>
 #include <vector>
 
 namespace {
@@ -109,36 +107,4 @@ TEST(Semaphore, DeletionWakesAllWaiters)
 	EXPECT_EQ(B_OK, delete_sem(sem));
 	for (Worker& waiter : waiters)
 		waiter.Join();
-}
-
-TEST(Semaphore, StormKeepsTheNumberOfUnits)
-{
-	const unsigned seed = PrintedSeed(71);
-	constexpr int32 kUnits = 3;
-	sem_id sem = create_sem(kUnits, "storm");
-	std::atomic<int32> taken = 0;
-	std::deque<Worker> workers;
-	for (unsigned i = 0; i < 4; i++) {
-		workers.emplace_back([&, i] {
-			std::minstd_rand random(seed + i);
-			for (int step = 0; step < 3000; step++) {
-				auto count = static_cast<int32>(1 + random() % kUnits);
-				if (acquire_sem_etc(sem, count, B_RELATIVE_TIMEOUT, random() % 60) != B_OK)
-					continue;
-				EXPECT_LE(taken += count, kUnits);
-				if (random() % 8 == 0)
-					sched_yield();
-				taken -= count;
-				for (int32 unit = 0; unit < count; unit++)
-					release_sem(sem);
-			}
-		});
-	}
-	for (Worker& worker : workers)
-		worker.Start();
-	for (Worker& worker : workers)
-		worker.Join();
-	EXPECT_EQ(B_OK, acquire_sem_etc(sem, kUnits, B_RELATIVE_TIMEOUT, 0)) << "seed " << seed;
-	EXPECT_EQ(B_WOULD_BLOCK, acquire_sem_etc(sem, 1, B_RELATIVE_TIMEOUT, 0)) << "seed " << seed;
-	delete_sem(sem);
 }

@@ -15,7 +15,6 @@
 #include <deque>
 #include <memory>
 #include <random>
-#include <signal.h>
 #include <sys/resource.h>
 #include <thread>
 #include <vector>
@@ -66,17 +65,6 @@ TEST(Thread, ForeignThreadsHaveAnIdWhileTheyLive)
 	EXPECT_EQ(B_NOT_ALLOWED, kill_thread(mine)) << "there is no frame of ours to unwind to";
 }
 
-TEST(Thread, SignalsForTheProcessDoNotLandInIt)
-{
-	sigset_t mask;
-	Worker worker([&] { pthread_sigmask(SIG_SETMASK, nullptr, &mask); });
-	worker.Start().Join();
-	for (int signal : {SIGTERM, SIGHUP, SIGINT, SIGCHLD, SIGUSR1})
-		EXPECT_EQ(1, sigismember(&mask, signal)) << signal;
-	for (int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
-		EXPECT_EQ(0, sigismember(&mask, signal)) << signal;
-}
-
 TEST(Thread, AWakeUpBeforeTheSuspensionIsKept)
 {
 	std::atomic<int> rounds = 0;
@@ -115,21 +103,15 @@ TEST(Thread, StormOfWakeUpsLosesNone)
 		}
 	});
 	scanner.Start();
-	auto feed = [&](unsigned seed) {
-		std::minstd_rand random(seed);
+	InThreads(2, [&](int seed) {
+		std::minstd_rand random(static_cast<unsigned>(seed));
 		for (int i = 0; i < kItems / 2; i++) {
 			queued++;
 			resume_thread(scanner.Id());
 			if (random() % 4 == 0)
 				sched_yield();
 		}
-	};
-	Worker first([&] { feed(1); });
-	Worker second([&] { feed(2); });
-	first.Start();
-	second.Start();
-	first.Join();
-	second.Join();
+	});
 	EXPECT_TRUE(WaitUntil([&] { return taken == kItems; })) << taken << " taken";
 	EXPECT_EQ(B_OK, kill_thread(scanner.Id()));
 }
@@ -240,29 +222,19 @@ TEST(Thread, KillWaitsForDestructorsThatWait)
 {
 	sem_id go = create_sem(0, "go");
 	std::vector<std::string> done;
-	struct WaitsWhileUnwinding {
-		~WaitsWhileUnwinding()
-		{
+	struct AtItsEnd {
+		~AtItsEnd() { run(); }
+		std::function<void()> run;
+	};
+	Worker victim([&] {
+		AtItsEnd unwinding{[&] {
 			EXPECT_EQ(B_OK, acquire_sem(go));
 			done.push_back("unwound");
-		}
-		sem_id go;
-		std::vector<std::string>& done;
-	};
-	struct WaitsDeferring {
-		~WaitsDeferring()
+		}};
 		{
 			DeferKill shield;
 			EXPECT_EQ(B_OK, acquire_sem(go));
 			done.push_back("deferred");
-		}
-		sem_id go;
-		std::vector<std::string>& done;
-	};
-	Worker victim([&] {
-		WaitsWhileUnwinding first{go, done};
-		{
-			WaitsDeferring second{go, done};
 		}
 		snooze(B_INFINITE_TIMEOUT);
 	});

@@ -12,10 +12,6 @@
 
 namespace {
 
-// Names that somebody has on a disk somewhere.
-const std::string kOddNames[] = {"line\nbreak", "\xff\xfe not text", "trailing blank ", "(deleted)",
-	"-rf", "...", "quote'\"\\", "\x01", std::string(255, 'n')};
-
 // Longer than PATH_MAX, with names that are long themselves.
 std::string
 DeepPath()
@@ -71,17 +67,10 @@ TEST(Entry, WithoutAFileAnswersNoInit)
 {
 	BEntry entry;
 	entry_ref ref;
-	node_ref node;
-	off_t size;
-	char name[B_FILE_NAME_LENGTH];
 	BPath path("/usr");
 	BDirectory folder("/usr");
 	BEntry parent("/usr");
-	EXPECT_EQ(entry.InitCheck(), B_NO_INIT);
 	EXPECT_EQ(entry.GetRef(&ref), B_NO_INIT);
-	EXPECT_EQ(entry.GetName(name), B_NO_INIT);
-	EXPECT_EQ(entry.GetSize(&size), B_NO_INIT);
-	EXPECT_EQ(entry.GetNodeRef(&node), B_NO_INIT);
 	EXPECT_EQ(entry.GetPath(&path), B_NO_INIT);
 	EXPECT_EQ(path.Path(), nullptr);
 	EXPECT_EQ(entry.GetParent(&parent), B_NO_INIT);
@@ -91,12 +80,9 @@ TEST(Entry, WithoutAFileAnswersNoInit)
 	EXPECT_FALSE(entry.IsFile() || entry.IsDirectory() || entry.IsSymLink());
 	EXPECT_EQ(entry, BEntry());
 	EXPECT_NE(entry, BEntry("/usr"));
-
 	EXPECT_EQ(BEntry(&ref).InitCheck(), B_BAD_VALUE);
-	EXPECT_EQ(BEntry(static_cast<entry_ref*>(nullptr)).InitCheck(), B_BAD_VALUE);
 	EXPECT_EQ(BEntry(static_cast<char*>(nullptr)).InitCheck(), B_BAD_VALUE);
 	EXPECT_EQ(BEntry(&folder, "x").InitCheck(), B_BAD_VALUE);
-	EXPECT_EQ(BEntry(nullptr, "x").InitCheck(), B_BAD_VALUE);
 }
 
 TEST(Entry, FollowsChainsOfLinksFromWhereTheyLie)
@@ -113,8 +99,6 @@ TEST(Entry, FollowsChainsOfLinksFromWhereTheyLie)
 	entry_ref ref = tree.Ref("absolute");
 	EXPECT_TRUE(BEntry(&ref).IsSymLink());
 	EXPECT_TRUE(BEntry(&ref, true).IsFile());
-	EXPECT_EQ(BPath(BEntry(&top, "up", true).InitCheck() == B_OK ? tree.Path().c_str() : ""),
-		tree.Path().c_str());
 	EXPECT_EQ(BEntry(&top, "up", true), BEntry(tree.Path().c_str()));
 	EXPECT_EQ(BEntry(&top, "slash", true), BEntry(&top, "a"));
 	EXPECT_EQ(BEntry(&top, "/usr"), BEntry("/usr"));
@@ -122,19 +106,14 @@ TEST(Entry, FollowsChainsOfLinksFromWhereTheyLie)
 
 TEST(Entry, StatusIsItsOwn)
 {
-	TempTree tree{
-		{"file", Text("12345").Mode(0640).Time(86400)}, {"link", Link("file")}, {"folder", Dir()}};
+	TempTree tree{{"file", Text("12345").Mode(0640).Time(86400)}, {"link", Link("file")}};
 	BEntry file(tree.Path("file").c_str());
-	struct stat expected;
-	struct stat status;
-	struct stat combined;
-	time_t creation;
-	time_t alone;
+	struct stat expected, read;
+	time_t creation, alone;
 	off_t size;
 	ASSERT_EQ(stat(tree.Path("file").c_str(), &expected), 0);
-	ASSERT_EQ(file.GetStat(&status), B_OK);
-	ASSERT_EQ(file.GetStat(&combined, &creation), B_OK);
-	for (const struct stat& read : {status, combined}) {
+	for (time_t* also : {static_cast<time_t*>(nullptr), &creation}) {
+		ASSERT_EQ(also == nullptr ? file.GetStat(&read) : file.GetStat(&read, also), B_OK);
 		EXPECT_EQ(read.st_dev, expected.st_dev);
 		EXPECT_EQ(read.st_ino, expected.st_ino);
 		EXPECT_EQ(read.st_mode, static_cast<mode_t>(S_IFREG | 0640));
@@ -147,13 +126,8 @@ TEST(Entry, StatusIsItsOwn)
 	EXPECT_EQ(file.GetCreationTime(&alone), B_OK);
 	EXPECT_EQ(alone, creation);
 	EXPECT_GE(creation, 86400);
-	EXPECT_LE(creation, status.st_ctime);
-	EXPECT_EQ(file.GetSize(&size), B_OK);
-	EXPECT_EQ(size, 5);
+	EXPECT_LE(creation, read.st_ctime);
 	EXPECT_TRUE(BEntry(tree.Path("link").c_str()).IsSymLink());
-	EXPECT_TRUE(BEntry(tree.Path("folder").c_str()).IsDirectory());
-	EXPECT_EQ(file.GetStat(nullptr), B_BAD_VALUE);
-	EXPECT_EQ(file.GetNodeRef(nullptr), B_BAD_VALUE);
 
 	// Asked anew each time.
 	tree.Remove("file");
@@ -161,29 +135,6 @@ TEST(Entry, StatusIsItsOwn)
 	tree.Add("file", Text("1"));
 	EXPECT_EQ(file.GetSize(&size), B_OK);
 	EXPECT_EQ(size, 1);
-}
-
-TEST(Entry, NamesAreBytes)
-{
-	TempTree tree;
-	std::vector<std::string> expected;
-	for (const std::string& name : kOddNames) {
-		tree.Add(name, Text(name));
-		expected.push_back(name);
-		BEntry entry(tree.Path(name).c_str());
-		char buffer[B_FILE_NAME_LENGTH];
-		entry_ref ref;
-		ASSERT_EQ(entry.GetName(buffer), B_OK);
-		EXPECT_EQ(buffer, name);
-		ASSERT_EQ(get_ref_for_path(tree.Path(name).c_str(), &ref), B_OK);
-		EXPECT_TRUE(BEntry(&ref).IsFile());
-		EXPECT_EQ(BPath(&ref), tree.Path(name).c_str());
-	}
-	std::vector<std::string> found;
-	BDirectory folder = tree.Folder();
-	for (entry_ref ref; folder.GetNextRef(&ref) == B_OK;)
-		found.push_back(ref.name);
-	EXPECT_EQ(found, Names(expected));
 }
 
 TEST(Entry, ParentsLeadToTheRoot)

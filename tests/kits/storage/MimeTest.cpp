@@ -28,56 +28,18 @@ TEST(MimeType, NamesAreChecked)
 	EXPECT_EQ(BMimeType(nullptr).InitCheck(), B_BAD_VALUE);
 }
 
-TEST(MimeType, OneThatIsNotSetKnowsNothing)
-{
-	BMimeType type;
-	char text[B_MIME_TYPE_LENGTH] = "before";
-	EXPECT_EQ(type.InitCheck(), B_NO_INIT);
-	EXPECT_EQ(type.GetShortDescription(text), B_NO_INIT);
-	EXPECT_FALSE(type.IsInstalled());
-	EXPECT_EQ(type.SetTo("text/plain"), B_OK);
-	EXPECT_TRUE(type.IsInstalled());
-	EXPECT_EQ(type.SetTo("no type"), B_BAD_VALUE);
-	EXPECT_EQ(type.GetLongDescription(text), B_BAD_VALUE);
-	type.SetTo("text/plain");
-	type.Unset();
-	EXPECT_EQ(type.InitCheck(), B_NO_INIT);
-	EXPECT_EQ(type.Type(), nullptr);
-	EXPECT_STREQ(text, "before");
-}
-
 TEST(MimeType, CaseMakesNoDifference)
 {
-	const BMimeType lower("text/plain");
 	const BMimeType mixed("TEXT/Plain");
-	EXPECT_TRUE(lower == mixed);
+	EXPECT_TRUE(mixed == BMimeType("text/plain"));
 	EXPECT_TRUE(mixed == "text/PLAIN");
 	EXPECT_FALSE(mixed == "text/html");
-	EXPECT_FALSE(mixed == nullptr);
-	EXPECT_STREQ(mixed.Type(), "TEXT/Plain");
 	char one[B_MIME_TYPE_LENGTH] = "";
 	char other[B_MIME_TYPE_LENGTH] = "";
-	EXPECT_EQ(lower.GetShortDescription(one), B_OK);
+	EXPECT_EQ(BMimeType("text/plain").GetShortDescription(one), B_OK);
 	EXPECT_EQ(mixed.GetShortDescription(other), B_OK);
 	EXPECT_STREQ(one, other);
-}
-
-TEST(MimeType, DescriptionsComeFromTheDatabase)
-{
-	char text[B_MIME_TYPE_LENGTH] = "";
-	EXPECT_EQ(BMimeType("text/plain").GetShortDescription(text), B_OK);
-	EXPECT_GT(strlen(text), 0u);
-	EXPECT_STRNE(text, "text/plain");
-	EXPECT_EQ(BMimeType("inode/directory").GetLongDescription(text), B_OK);
-	EXPECT_EQ(BMimeType("application/x-vnd.Be-symlink").GetShortDescription(text), B_OK);
-	EXPECT_EQ(BMimeType("text/plain").GetShortDescription(nullptr), B_BAD_VALUE);
-
-	// Nobody makes one up for the rest.
-	for (const char* unknown : {"application/x-no-such-thing", "no/such", "text"}) {
-		char untouched[B_MIME_TYPE_LENGTH] = "before";
-		EXPECT_FALSE(BMimeType(unknown).IsInstalled());
-		EXPECT_EQ(BMimeType(unknown).GetShortDescription(untouched), B_ENTRY_NOT_FOUND) << unknown;
-		EXPECT_EQ(BMimeType(unknown).GetLongDescription(untouched), B_ENTRY_NOT_FOUND) << unknown;
-		EXPECT_STREQ(untouched, "before");
-	}
+	EXPECT_STRNE(one, "text/plain");
+	// Nobody makes one up.
+	EXPECT_EQ(BMimeType("no/such").GetShortDescription(one), B_ENTRY_NOT_FOUND);
 }

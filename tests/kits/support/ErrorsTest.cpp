@@ -8,15 +8,6 @@
 #include <gtest/gtest.h>
 #include <string>
 
-TEST(Errors, NumbersAreThoseThatProgramsPrint)
-{
-	EXPECT_EQ(-2147459069, B_ENTRY_NOT_FOUND);
-	EXPECT_EQ(INT_MIN + 0x000f, B_NOT_ALLOWED);
-	EXPECT_EQ(INT_MIN + 0x1102, B_BAD_THREAD_STATE);
-	EXPECT_EQ(INT_MIN + 0x200e, B_LAUNCH_FAILED_FILES_APP_NOT_FOUND);
-	EXPECT_EQ(INT_MIN + 0x600e, B_UNSUPPORTED);
-}
-
 TEST(Errors, ErrorNumbersBecomeStatusCodes)
 {
 	EXPECT_EQ(B_OK, BPrivate::StatusFromErrno(0));

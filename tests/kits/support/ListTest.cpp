@@ -35,54 +35,74 @@ CompareItems(const void* a, const void* b)
 
 namespace {
 
-// Does one random step to the list and to the model; both must agree about its success.
+// A list and the vector that it should be.
 class ListStorm {
 public:
 	explicit ListStorm(unsigned seed) : fRandom(seed) {}
 
+	// Does one random step to both; they must agree about its success.
 	void Step()
 	{
-		int32 count = fList.CountItems();
-		int32 at = Below(count + 4) - 2;
-		bool inside = at >= 0 && at < count;
-		switch (Below(11)) {
+		const int32 count = fList.CountItems();
+		const int32 at = Below(count + 4) - 2, other = Below(count + 2) - 1;
+		const bool inside = at >= 0 && at < count;
+		const bool both = inside && other >= 0 && other < count;
+		const auto place = fModel.begin() + (inside ? at : 0);
+		void* const item = Item(Below(50));
+		switch (Below(9)) {
 			case 0:
+				Insert(at, {item}, fList.AddItem(item, at));
+				break;
 			case 1:
-				Insert(at, at >= 0 && at <= count);
-				break;
-			case 2:
-				Insert(Below(2) * count, true); // an end
-				break;
-			case 3:
 				EXPECT_EQ(inside ? fModel[at] : nullptr, fList.RemoveItem(at));
 				if (inside)
-					fModel.erase(fModel.begin() + at);
+					fModel.erase(place);
 				break;
-			case 4:
-				RemoveByValue();
+			case 2: {
+				auto found = std::find(fModel.begin(), fModel.end(), item);
+				EXPECT_EQ(found != fModel.end(), fList.RemoveItem(item));
+				if (found != fModel.end())
+					fModel.erase(found);
 				break;
-			case 5:
-				RemoveSome(at, Below(6) - 1, inside);
+			}
+			case 3: {
+				const int32 some = Below(6) - 1;
+				EXPECT_EQ(inside && some >= 0, fList.RemoveItems(at, some));
+				if (inside && some >= 0)
+					fModel.erase(place, place + std::min<int32>(some, count - at));
+				break;
+			}
+			case 4: {
+				BList added(3);
+				for (int32 i = Below(5); i > 0; i--)
+					added.AddItem(Item(Below(50)));
+				Insert(at, Contents(added), fList.AddList(&added, at));
+				break;
+			}
+			case 5: // its own items
+				if (count < 100)
+					Insert(at, Model(fModel), fList.AddList(&fList, at));
 				break;
 			case 6:
-				InsertList(at, at >= 0 && at <= count);
+				EXPECT_EQ(both, fList.SwapItems(at, other));
+				if (both)
+					std::swap(fModel[at], fModel[other]);
 				break;
 			case 7:
-				Swap(at, Below(count + 2) - 1);
-				break;
-			case 8:
-				Move(at, Below(count + 2) - 1);
-				break;
-			case 9:
-				if (Below(30) == 0) {
-					fList.SortItems(CompareItems);
-					std::sort(fModel.begin(), fModel.end());
+				EXPECT_EQ(both, fList.MoveItem(at, other));
+				if (both) {
+					void* const moved = fModel[at];
+					fModel.erase(place);
+					fModel.insert(fModel.begin() + other, moved);
 				}
 				break;
 			default:
-				if (count > 200 || Below(100) == 0) {
+				if (count > 200) {
 					fList.MakeEmpty();
 					fModel.clear();
+				} else if (Below(20) == 0) {
+					fList.SortItems(CompareItems);
+					std::sort(fModel.begin(), fModel.end());
 				}
 		}
 	}
@@ -90,7 +110,6 @@ public:
 	void Check() const
 	{
 		ASSERT_EQ(fModel, Contents(fList));
-		EXPECT_EQ(fModel.empty(), fList.IsEmpty());
 		EXPECT_EQ(fModel.empty() ? nullptr : fModel.front(), fList.FirstItem());
 		EXPECT_EQ(fModel.empty() ? nullptr : fModel.back(), fList.LastItem());
 		auto found = std::find(fModel.begin(), fModel.end(), Item(5));
@@ -102,69 +121,12 @@ private:
 	{
 		return static_cast<int32>(fRandom() % static_cast<unsigned>(limit));
 	}
-
-	void Insert(int32 at, bool valid)
+	void Insert(int32 at, const Model& added, bool done)
 	{
-		void* item = Item(Below(50));
-		EXPECT_EQ(valid, fList.AddItem(item, at));
-		if (valid)
-			fModel.insert(fModel.begin() + at, item);
-	}
-
-	void RemoveByValue()
-	{
-		void* item = Item(Below(50));
-		auto found = std::find(fModel.begin(), fModel.end(), item);
-		EXPECT_EQ(found != fModel.end(), fList.RemoveItem(item));
-		if (found != fModel.end())
-			fModel.erase(found);
-	}
-
-	void RemoveSome(int32 at, int32 count, bool inside)
-	{
-		bool valid = inside && count >= 0;
-		EXPECT_EQ(valid, fList.RemoveItems(at, count));
-		if (valid) {
-			auto first = fModel.begin() + at;
-			fModel.erase(first, first + std::min<std::ptrdiff_t>(count, fModel.end() - first));
-		}
-	}
-
-	void InsertList(int32 at, bool valid)
-	{
-		BList other(3);
-		for (int32 i = Below(5); i > 0; i--)
-			other.AddItem(Item(Below(50)));
-		bool itself = Below(4) == 0;
-		Model added = itself ? fModel : Contents(other);
-		EXPECT_EQ(valid, fList.AddList(itself ? &fList : &other, at));
+		const bool valid = at >= 0 && at <= static_cast<int32>(fModel.size());
+		EXPECT_EQ(valid, done);
 		if (valid)
 			fModel.insert(fModel.begin() + at, added.begin(), added.end());
-	}
-
-	bool Valid(int32 a, int32 b) const
-	{
-		auto count = static_cast<int32>(fModel.size());
-		return a >= 0 && a < count && b >= 0 && b < count;
-	}
-
-	void Swap(int32 a, int32 b)
-	{
-		bool valid = Valid(a, b);
-		EXPECT_EQ(valid, fList.SwapItems(a, b));
-		if (valid)
-			std::swap(fModel[a], fModel[b]);
-	}
-
-	void Move(int32 from, int32 to)
-	{
-		bool valid = Valid(from, to);
-		EXPECT_EQ(valid, fList.MoveItem(from, to));
-		if (valid) {
-			void* item = fModel[from];
-			fModel.erase(fModel.begin() + from);
-			fModel.insert(fModel.begin() + to, item);
-		}
 	}
 
 	std::minstd_rand fRandom;
@@ -192,7 +154,7 @@ TEST(List, WalksStopWhereTheCallbackSaysSo)
 	for (int i = 1; i <= 5; i++)
 		list.AddItem(Item(i));
 	Model seen;
-	auto untilThree = [](void* item, void* into) {
+	const auto untilThree = [](void* item, void* into) {
 		static_cast<Model*>(into)->push_back(item);
 		return item == Item(3);
 	};
