@@ -54,6 +54,14 @@ TEST(MouseWatcher, DragPopupOrClickIsDecidedInThisOrder)
 	EXPECT_EQ(DragOrPopup(9).Look(BPoint(1, 1), 0, 0), uint32(MW_MOUSE_CLICK));
 }
 
+TEST(MouseWatcher, HoldTimesAreMultiplesOfADoubleClick)
+{
+	const bigtime_t expected[] = {250, 500, 1000, 2000, 4000, 1000};
+	for (int32 length = 0; length < 6; length++)
+		EXPECT_EQ(MouseHoldTime(length, 500), expected[length]);
+	EXPECT_EQ(MouseHoldTime(-1, 500), 1000);
+}
+
 TEST(MouseWatcher, EndsWithItsView)
 {
 	{

@@ -161,3 +161,14 @@ TEST(ScrollBar, AThumbIsLetGoWhileAnAlertHasTheInput)
 	scene.window.User().Move(kBarX, kBarTop + 40);
 	EXPECT_EQ(scene.Offset(), 0);
 }
+
+TEST(ScrollBar, WheelMovesThreeSmallStepsANotch)
+{
+	Scene scene;
+	scene.window.User().Wheel(kBarX, kBarTop + 50, 0, 1);
+	EXPECT_EQ(scene.Offset(), 30);
+	scene.window.User().Wheel(50, 50, 0, 2);
+	EXPECT_EQ(scene.Offset(), 90);
+	scene.window.User().Wheel(50, 50, 0, -1);
+	EXPECT_EQ(scene.Value(), 60);
+}

@@ -251,6 +251,26 @@ TEST_F(ViewInput, CommandWAndTheCloseBoxAskTheWindowToQuit)
 	EXPECT_EQ(2, other->asked);
 }
 
+TEST_F(ViewInput, PulsesComeOnlyToThoseWhoWantThem)
+{
+	class Pulsing : public BView {
+	public:
+		explicit Pulsing(uint32 flags) : BView(BRect(0, 50, 9, 59), nullptr, B_FOLLOW_NONE, flags)
+		{}
+		void Pulse() override { pulses++; }
+		std::atomic<int> pulses = 0;
+	};
+	Pulsing* wants = new Pulsing(B_PULSE_NEEDED);
+	Pulsing* plain = new Pulsing(0);
+	window->Do([&] {
+		window->AddChild(wants);
+		window->AddChild(plain);
+		window->SetPulseRate(1000);
+	});
+	EXPECT_TRUE(WaitUntil([&] { return wants->pulses >= 3; }));
+	EXPECT_EQ(0, plain->pulses);
+}
+
 TEST_F(ViewInput, PollingTakesQueuedMouseMessagesInOrder)
 {
 	left->captures = true;

@@ -180,6 +180,23 @@ TEST(WindowFrame, HooksTellEveryChangeOnceInTheWindowsThread)
 	window->Do([&] { EXPECT_EQ("", window->told) << "nothing has changed"; });
 }
 
+TEST(ViewLayout, FrameEventsComeOnceForABurstOfChanges)
+{
+	Shown window(100, 80);
+	ColouredView* view = new ColouredView(BRect(0, 0, 9, 9), kRed, B_FOLLOW_NONE, B_FRAME_EVENTS);
+	window->ShowWith({view});
+	EXPECT_EQ(0, view->moves + view->resizes); // attaching tells nothing
+	window->Do([&] {
+		for (int i = 1; i <= 5; i++) {
+			view->MoveTo(i, 2 * i);
+			view->ResizeTo(10 + i, 20 + i);
+		}
+	});
+	EXPECT_EQ(1, view->moves);
+	EXPECT_EQ(1, view->resizes);
+	EXPECT_EQ(15, view->lastWidth);
+}
+
 TEST(ViewLayout, LaterSiblingsAreInFrontAndHiddenOnesAreNot)
 {
 	Shown window(60, 20);
