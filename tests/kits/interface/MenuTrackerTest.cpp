@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <optional>
 
 using namespace BPrivate;
@@ -162,8 +163,8 @@ TEST_F(Tracking, KeysGoThroughSubmenus)
 
 TEST_F(Tracking, KeysChooseAndSkipWhatIsDisabled)
 {
-	fMenu.RemoveItem(3);
-	fMenu.AddItem(new BSeparatorItem, 1); // one, -, two, three
+	const std::unique_ptr<BMenuItem> removed(fMenu.RemoveItem(3)); // and its submenu
+	fMenu.AddItem(new BSeparatorItem, 1);                          // one, -, two, three
 	fMenu.ItemAt(3)->SetEnabled(false);
 	const std::pair<const char*, int32> kChoices[] = {
 		{"\x1f\x1f\n", 2}, // down: over the separator
@@ -179,7 +180,6 @@ TEST_F(Tracking, KeysChooseAndSkipWhatIsDisabled)
 		Type(keys);
 		EXPECT_EQ(fTracker->Choice(), fMenu.ItemAt(index)) << keys;
 	}
-	delete fSubmenu;
 }
 
 TEST_F(Tracking, LettersTypedInOneGoMakeABeginning)
