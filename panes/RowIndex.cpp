@@ -17,8 +17,27 @@ void
 RowIndex::Add(ItemListItem* row)
 {
 	fByRef.emplace(row->GetRef(), row);
+	if (fKnowsINodes)
+		AddINode(row);
+}
+
+void
+RowIndex::AddINode(ItemListItem* row)
+{
 	if (row->GetINode() != 0)
 		fByINode.emplace(row->GetINode(), row);
+}
+
+RowIndex::INodes&
+RowIndex::ByINode()
+{
+	if (!fKnowsINodes) {
+		fKnowsINodes = true;
+		fByINode.reserve(fByRef.size());
+		for (const auto& [ref, row] : fByRef)
+			AddINode(row);
+	}
+	return fByINode;
 }
 
 void
@@ -46,7 +65,6 @@ void
 RowIndex::Reserve(size_t rows)
 {
 	fByRef.reserve(rows);
-	fByINode.reserve(rows);
 }
 
 ItemListItem*
@@ -57,10 +75,10 @@ RowIndex::Find(const entry_ref& ref) const
 }
 
 std::vector<ItemListItem*>
-RowIndex::FindAll(int64 inode) const
+RowIndex::FindAll(int64 inode)
 {
 	std::vector<ItemListItem*> rows;
-	auto [begin, end] = fByINode.equal_range(inode);
+	auto [begin, end] = ByINode().equal_range(inode);
 	for (auto found = begin; found != end; ++found)
 		rows.push_back(found->second);
 	return rows;

@@ -22,7 +22,7 @@ public:
 
 	ItemListItem* Find(const entry_ref& ref) const; // or null
 	// Hard links share an inode.
-	std::vector<ItemListItem*> FindAll(int64 inode) const;
+	std::vector<ItemListItem*> FindAll(int64 inode);
 
 private:
 	struct Hash {
@@ -32,6 +32,11 @@ private:
 		bool operator()(const entry_ref* a, const entry_ref* b) const { return *a == *b; }
 	};
 
+	typedef std::unordered_multimap<int64, ItemListItem*> INodes;
+	INodes& ByINode();
+	void AddINode(ItemListItem* row);
+
 	std::unordered_map<const entry_ref*, ItemListItem*, Hash, Equal> fByRef; // keys are the rows'
-	std::unordered_multimap<int64, ItemListItem*> fByINode;
+	INodes fByINode;
+	bool fKnowsINodes = false; // made when first asked for: both at once takes noticeably long
 };
