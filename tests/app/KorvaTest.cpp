@@ -13,10 +13,11 @@
 #include "tests/support/TempTree.h"
 #include "tests/support/TestWindow.h"
 #include "tests/support/Variable.h"
+#include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <algorithm>
 #include <string>
 #include <thread>
 #include <vector>
@@ -208,6 +209,24 @@ TEST_F(KorvaWindowTest, ANewRootFillsTheTreeAndARefreshReadsAgain)
 	EXPECT_EQ(before, Rows(items));
 	Route(BMessage(kMSG_Refresh));
 	EXPECT_EQ(Notes({"a dir", "b dir", "link", "odd\xff\nname"}), Rows(items));
+}
+
+// The tree lists the folder in the window's thread, before the right pane has heard of the change.
+TEST_F(KorvaWindowTest, WhatTheTreeReadsFirstIsSeenOnTheRightToo)
+{
+	for (const char* names : {"a dir>c dir", "c dir>a dir", "a dir>c dir"}) {
+		const std::string from(names, 5), to(names + 6);
+		{
+			Locked lock(window);
+			tree.Rename(from, to);
+			window->PostMessage(kMSG_Refresh, outline);
+		}
+		EXPECT_TRUE(WaitUntil([&] {
+			const Notes rows = Rows(items);
+			return std::count(rows.begin(), rows.end(), to) == 1 &&
+				std::count(rows.begin(), rows.end(), from) == 0;
+		})) << to;
+	}
 }
 
 TEST_F(KorvaWindowTest, ClicksChooseFoldersAndDoubleClicksEnterThem)
