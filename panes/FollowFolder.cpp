@@ -116,6 +116,11 @@ ItemView::EntryMoved(const BMessage& message)
 	entry_ref before, after;
 	const bool knowsBefore = FindEntry(message, "from directory", "from name", &before);
 	const bool knowsAfter = FindEntry(message, "to directory", "name", &after);
+	// The folder itself: what is dropped and pasted follows it, and a refresh finds it.
+	if (inode == here && knowsBefore && knowsAfter && before == fFolder) {
+		fFolder = after;
+		return;
+	}
 	const bool hasRow = knowsBefore && fList->HasFileItem(before);
 	if (from == here && to == here) {
 		if (!knowsAfter)

@@ -175,8 +175,12 @@ OutlineView::MessageReceived(BMessage* message)
 			fList->RefsAdded(message);
 			break;
 		case kMSG_Refresh: {
-			entry_ref root(fRoot);
-			SetRoot(&root);
+			// Its row may have been given another name; then the whole window is told.
+			entry_ref root(*static_cast<FolderItem*>(fList->FullListItemAt(0))->GetRef());
+			if (root != fRoot)
+				AskForRoot(root);
+			else
+				SetRoot(&root);
 			break;
 		}
 		default:
@@ -294,8 +298,14 @@ OutlineView::DisplayFolder(const entry_ref& folder)
 			steps = found->second;
 		}
 	}
-	if (nearest != nullptr)
-		ExpandItem(nearest);
+	if (nearest == nullptr)
+		return nullptr;
+	// Only the folder's own row tells the window, which else would show the one above instead.
+	if (steps != 0)
+		fList->SetSelectionMessage(nullptr);
+	ExpandItem(nearest);
+	if (steps != 0)
+		fList->SetSelectionMessage(new BMessage(kMSG_OutlineSelection));
 	return steps == 0 ? nearest : nullptr;
 }
 
@@ -316,13 +326,22 @@ void
 OutlineView::CheckRoot(const entry_ref& folder)
 {
 	const BPath wanted(&folder);
-	const BPath root(&fRoot);
-	entry_ref ancestor;
+	// What is below a link to a folder is below its target.
+	entry_ref target, ancestor;
+	if (BEntry(&fRoot, true).GetRef(&target) != B_OK)
+		target = fRoot;
+	const BPath root(&target);
 	if (wanted.InitCheck() != B_OK || root.InitCheck() != B_OK ||
 		get_ref_for_path(CommonAncestor(wanted.Path(), root.Path()).c_str(), &ancestor) != B_OK ||
-		ancestor == fRoot)
+		ancestor == target)
 		return;
+	AskForRoot(ancestor);
+}
+
+void
+OutlineView::AskForRoot(const entry_ref& root)
+{
 	BMessage change(kMSG_SetRoot);
-	change.AddRef(kName_Folder, &ancestor);
+	change.AddRef(kName_Folder, &root);
 	Window()->PostMessage(&change, Parent());
 }

@@ -56,6 +56,7 @@ private:
 	FolderItem* DisplayFolder(const entry_ref& folder);
 	void ExpandItem(FolderItem* item);
 	void CheckRoot(const entry_ref& folder);
+	void AskForRoot(const entry_ref& root);
 
 	// Messages
 	void FolderSelected(const BMessage& message);

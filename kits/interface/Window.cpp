@@ -403,6 +403,15 @@ BWindow::_ServeWhileBlocked()
 	auto isResize = [](const BMessage& message) { return message.what == B_WINDOW_RESIZED; };
 	while (std::unique_ptr<BMessage> message = _Core().TakeFirst(isResize))
 		_OwnMessage(message.get());
+	// A window that waits for an alert in a hook does not come to _ActivationChanged().
+	bool active = false;
+	_Core().Visit([&active](BMessage& message) {
+		if (message.what == B_WINDOW_ACTIVATED)
+			message.FindBool("active", &active);
+		return false;
+	});
+	if (active && BPrivate::InputBlockedBy(this))
+		BPrivate::ActivateAlert();
 	UpdateIfNeeded();
 }
 

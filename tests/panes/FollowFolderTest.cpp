@@ -323,6 +323,20 @@ TEST_F(FollowFolder, TheFolderItselfMayBeALinkMoveAndGo)
 	EXPECT_EQ(it.Names(), std::vector<std::string>{"reborn"});
 }
 
+TEST_F(FollowFolder, ARenamedFolderStaysTheOneThatIsShown)
+{
+	Show(shown);
+	tree.Rename("shown", "elsewhere");
+	tree.Add("shown/decoy", Text());
+	const entry_ref renamed = tree.Ref("elsewhere");
+	EXPECT_TRUE(
+		WaitUntil([&] { return it.window.Under([&] { return *it.pane->Folder() == renamed; }); }));
+	// So are files pasted there, and a refresh finds it.
+	it.Do([&] { it.pane->Refresh(); });
+	tree.Add("elsewhere/new", Text());
+	EXPECT_TRUE(WaitUntil([&] { return it.Names() == std::vector<std::string>{"new"}; }));
+}
+
 TEST_F(FollowFolder, PathsMayBeLongerThanTheSystemTakes)
 {
 	std::string deep = "shown";

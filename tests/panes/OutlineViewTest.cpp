@@ -249,15 +249,15 @@ TEST(OutlineView, OpensTheWayToAFolderThatIsShown)
 	Tree tree;
 	OutlineWindow it(tree.Ref("root"));
 	EXPECT_TRUE(it.HasCount("a", 1));
-	// Below what was scanned nothing is known: the nearest folder is shown.
+	// Below what was scanned nothing is known: the nearest folder is selected, and not shown.
 	it.SetFolder(tree.Ref("root/a/b/c"));
 	EXPECT_EQ(it.Selected(), "b");
-	EXPECT_TRUE(it.Shows({"-root", "  -a", "    -b", "      +c", "  empty", "  +z"}));
+	EXPECT_TRUE(it.Shows({"-root", "  -a", "    +b", "  empty", "  +z"}));
 	it.SetFolder(tree.Ref("root/z"));
 	EXPECT_EQ(it.Selected(), "z");
 	it.SetFolder(tree.Ref("root/a/b/c"));
 	EXPECT_EQ(it.Selected(), "c");
-	EXPECT_EQ(it.Asked(), (Lines{"b", "z", "c"}));
+	EXPECT_EQ(it.Asked(), (Lines{"z", "c"}));
 	it.SetFolder(tree.Ref("root/link"));
 	EXPECT_EQ(it.Selected(), "a");
 	EXPECT_EQ(it.Asked(), Lines{"a"});
@@ -278,6 +278,27 @@ TEST(OutlineView, AFolderBelowTheSelectedOneIsOneStepAway)
 	EXPECT_EQ(it.Selected(), "b");
 	EXPECT_EQ(it.Asked(), (Lines{"a", "b"}));
 	EXPECT_EQ(it.Asked(kMSG_SetRoot), Lines{});
+}
+
+TEST(OutlineView, TheRootMayBeALink)
+{
+	Tree tree;
+	OutlineWindow it(tree.Ref("root/link"));
+	it.SetFolder(tree.Ref("root/a/b"));
+	EXPECT_EQ(it.Selected(), "b");
+	EXPECT_EQ(it.Asked(kMSG_SetRoot), Lines{});
+}
+
+TEST(OutlineView, ARenamedRootStaysTheRoot)
+{
+	Tree tree;
+	entry_ref before = tree.Ref("root");
+	OutlineWindow it(before);
+	tree.Rename("root", "renamed");
+	entry_ref after = tree.Ref("renamed");
+	it.Do([&] { it.list->EntryRenamed(before, after); });
+	it.Tell(BMessage(kMSG_Refresh));
+	EXPECT_EQ(it.Asked(kMSG_SetRoot), Lines{"renamed"});
 }
 
 TEST(OutlineView, AFolderOutsideAsksForTheirCommonAncestor)

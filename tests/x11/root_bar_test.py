@@ -42,6 +42,12 @@ class RootBar(X11Test):
     def wait_for_text(self, text):
         wait_until(lambda: self.field_text() == text, f"the text '{text}'")
 
+    def is_answered(self):
+        if self.korva.find_window("Error") is None:
+            return True
+        self.display.press("Return")
+        return False
+
     def test_typed_folder_becomes_the_root(self):
         rows = self.first.part(*LEFT_ROWS)
         self.root_to(self.folder + "/inside")
@@ -54,8 +60,8 @@ class RootBar(X11Test):
             self.root_to(wrong)
             self.korva.window("Error")
             alerts.append(self.korva.steady_picture("Error"))
-            self.display.press("Return")
-            wait_until(lambda: self.korva.find_window("Error") is None, "the end of the alert")
+            self.korva.click(400, 300)  # the window that waits hands the keys back to the alert
+            wait_until(self.is_answered, "the end of the alert")
             self.focus()
             self.wait_for_text(self.folder)
         self.assertNotEqual(*alerts)  # each says what is wrong
