@@ -131,19 +131,15 @@ CopyAttributes(BNode* source, BNode* target)
 	}
 }
 
+// Without the window's lock, which it keeps while its menu or its question is open: other copies
+// wait for this one's end. A window that is gone gets nothing.
 void
 SendComplete(const FileXFerData& transfer)
 {
-	if (!transfer.fMessenger->LockTarget())
-		return;
 	BMessage message(kMSG_CopyComplete);
 	message.AddRef("source", &transfer.fSource);
 	message.AddString("target", transfer.fTarget.Path());
-	// Without waiting for an answer: its receiver could not give one while we hold its lock.
-	transfer.fMessenger->SendMessage(&message, static_cast<BHandler*>(nullptr), B_INFINITE_TIMEOUT);
-	BLooper* looper = nullptr;
-	transfer.fMessenger->Target(&looper);
-	looper->Unlock();
+	transfer.fMessenger->SendMessage(&message);
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 #include <storage/Entry.h>
 
 #include <memory>
+#include <mutex>
 #include <string>
 
 namespace NFileXFer {
@@ -29,11 +30,15 @@ struct MoveRecord {
 	bigtime_t asked = system_time();
 };
 
+// An alert takes half a megabyte and a thread: those that wait for others are not made yet.
+std::mutex sAsking;
+
 // False also when the question is closed without an answer, as at the program's end.
 bool
 Ask(const char* title, const std::string& question)
 {
 	TransferPause pause;
+	std::lock_guard turn(sAsking);
 	BAlert* alert =
 		new BAlert(title, question.c_str(), "Yes", "No", nullptr, B_WIDTH_AS_USUAL, B_STOP_ALERT);
 	return alert->Go() == kYes;

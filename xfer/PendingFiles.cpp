@@ -9,6 +9,7 @@
 
 #include <app/Clipboard.h>
 #include <interface/View.h>
+#include <storage/Entry.h>
 
 #include <memory>
 
@@ -53,7 +54,7 @@ PendingFiles::BeginRest(void* pending)
 void
 PendingFiles::AddDrop(const BMessage& dropped, const entry_ref& folder, const BView& view)
 {
-	BMessage& message = fTransfers.emplace_back(Transfer{dropped, folder}).message;
+	BMessage& message = fTransfers.emplace_back(Transfer{dropped, BDirectory(&folder)}).message;
 	// A drag from elsewhere does not tell its buttons.
 	int32 buttonsBefore;
 	if (message.FindInt32(kName_DragButtons, &buttonsBefore) != B_OK) {
@@ -67,7 +68,7 @@ PendingFiles::AddDrop(const BMessage& dropped, const entry_ref& folder, const BV
 void
 PendingFiles::AddPaste(const BMessage& command, const entry_ref& folder)
 {
-	Transfer paste{command, folder};
+	Transfer paste{command, BDirectory(&folder)};
 	if (be_clipboard->Lock()) {
 		paste.message = *be_clipboard->Data();
 		be_clipboard->Unlock();
@@ -98,7 +99,10 @@ PendingFiles::BeginNext(const BView* view)
 		return;
 	}
 	transfer.next++;
-	const bool isBegun = HandleFileMessage(&transfer.message, &ref, &transfer.folder, view);
+	BEntry place;
+	entry_ref folder;
+	const bool isBegun = transfer.folder.GetEntry(&place) == B_OK &&
+		place.GetRef(&folder) == B_OK && HandleFileMessage(&transfer.message, &ref, &folder, view);
 	Debug.StdOut(kDebugLevel, "HFM (%d)\n", isBegun);
 	if (isBegun && transfer.isCut)
 		ForgetCut(transfer);

@@ -9,7 +9,7 @@
 #pragma once
 
 #include <app/Message.h>
-#include <storage/EntryRef.h>
+#include <storage/Directory.h>
 
 #include <list>
 
@@ -37,7 +37,7 @@ public:
 private:
 	struct Transfer {
 		BMessage message;
-		entry_ref folder;   // where the files go
+		BDirectory folder;  // where the files go, whatever its name is by then
 		int32 next = 0;     // of the message's files
 		bool isCut = false; // and still on the clipboard, for all that we know
 	};

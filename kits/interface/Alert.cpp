@@ -175,6 +175,7 @@ BAlert::Go()
 		if (call.Window() == nullptr)
 			BPrivate::CloseAllAlerts();
 	});
+	call.DropInput();
 	return outcome->which;
 }
 

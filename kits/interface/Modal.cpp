@@ -8,6 +8,7 @@
 #include <interface/Window.h>
 
 #include "kits/app/LooperCore.h"
+#include "kits/interface/Dragged.h"
 
 #include <algorithm>
 #include <deque>
@@ -148,6 +149,17 @@ BPrivate::ModalCall::EndCapture()
 {
 	if (fWindow != nullptr)
 		fWindow->_EndCapture();
+}
+
+void
+BPrivate::ModalCall::DropInput()
+{
+	auto isInput = [](const BMessage& message) {
+		return message.what == B_MOUSE_DOWN || message.what == B_KEY_DOWN ||
+			message.what == B_MOUSE_WHEEL_CHANGED || message.what == kMsgDrop;
+	};
+	while (fWindow != nullptr && fCaller->TakeFirst(isInput) != nullptr) {
+	}
 }
 
 std::function<void()>

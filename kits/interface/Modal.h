@@ -49,6 +49,7 @@ public:
 	BWindow* Window() const { return fWindow; } // the calling thread's, or null
 	bool HandlesPress() const; // what the window's thread does now is the answer to a press
 	void EndCapture();         // who captures the mouse in the window gets its MouseUp()
+	void DropInput();          // what the user tried in the window meanwhile does not come later
 
 	// Who releases the semaphore calls this afterwards, for a looper that sleeps. Any thread, and
 	// longer than the call lives.

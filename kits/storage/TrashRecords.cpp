@@ -2,6 +2,7 @@
 
 #include <storage/TrashRecords.h>
 
+#include <kernel/OS.h>
 #include <storage/SpareName.h>
 
 #include <ctime>
@@ -16,6 +17,8 @@ namespace {
 // Other programs write the record an instant before the entry comes.
 constexpr time_t kForsakenAfter = 30; // seconds
 constexpr size_t kMostBytes = 1 << 20;
+constexpr bigtime_t kLockPatience = 1000000;
+constexpr bigtime_t kLockInterval = 5000;
 
 std::string
 FileOf(const char* name)
@@ -34,7 +37,18 @@ TrashRecords::TrashRecords(const std::string& trash)
 	if (!fFolder.IsOpen())
 		fStatus = StatusFromErrno(errno);
 	else
-		Retry([&] { return flock(fFolder.Get(), LOCK_EX); });
+		Lock();
+}
+
+// A program that was stopped while it holds the lock stops nobody for long: what keeps names apart
+// is that each is taken exclusively.
+void
+TrashRecords::Lock()
+{
+	const bigtime_t end = system_time() + kLockPatience;
+	while (Retry([&] { return flock(fFolder.Get(), LOCK_EX | LOCK_NB); }) != 0 &&
+		errno == EWOULDBLOCK && system_time() < end)
+		snooze(kLockInterval);
 }
 
 status_t

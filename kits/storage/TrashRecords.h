@@ -32,11 +32,12 @@ public:
 	void Remove(const char* name);
 
 private:
+	void Lock();
 	status_t Create(const char* file, const std::string& text);
 	status_t Replace(const char* file, const std::string& text);
 	bool IsForsaken(const EntryPlace& entry, const char* file) const;
 
-	FileDescriptor fFolder; // locked
+	FileDescriptor fFolder; // locked, unless another program keeps it locked for long
 	status_t fStatus = B_OK;
 };
 

@@ -579,6 +579,24 @@ TEST_F(FileList, ACutIsPastedOnceThoughItsFilesAreMany)
 	EXPECT_EQ(tree.List("dir"), Names({"inside"}));
 }
 
+TEST_F(FileList, FilesGoIntoTheFolderThatWasMeantWhateverItsNameIsByThen)
+{
+	const ManyFiles from;
+	InjectedUser::PutOnClipboard({{"x-special/gnome-copied-files", "cut\n" + from.uris}});
+	BMessage paste(B_PASTE);
+	entry_ref folder = tree.Ref("dir");
+	it.Do([&] {
+		it.pane->SetFolder(&folder, false);
+		it.list->RefsAdded(&paste);
+		tree.Rename("dir", "meant"); // most files are still to come
+		tree.Add("dir", Dir());
+	});
+	ASSERT_TRUE(from.AreIn(tree, "meant"));
+	EXPECT_TRUE(WaitUntil([] { return find_thread("move") < 0; }));
+	EXPECT_EQ(tree.List("dir"), Names({}));
+	EXPECT_EQ(from.tree.List(), Names({}));
+}
+
 // Whoever can reach the window can send what watchers, menus and other programs would.
 TEST_F(FileList, SenselessMessagesDoNoHarm)
 {

@@ -202,7 +202,7 @@ TEST(FileOperation, TheEndOfACopyIsToldToWhoeverIsLeft)
 	EXPECT_EQ(tree.List("to"), Names({"a", "folder"}));
 	EXPECT_EQ(tree.Read("to/folder"), "");
 
-	// A handler, and a looper, that are gone by then. While the looper is locked no copy can tell.
+	// A handler, and a looper, that are gone by then.
 	auto* handler = new BHandler("gone");
 	listener->Lock();
 	listener->AddHandler(handler);
@@ -290,11 +290,15 @@ TEST(FileOperation, HundredsAtOnceAllArrive)
 			tree.Add("from/" + (kind + std::to_string(i)), Text(std::to_string(i)));
 	}
 	ListenerPtr listener(new Listener);
+	listener->Lock(); // as a window is while its menu is open, which holds no copy up
 	for (int i = 0; i < count; i++) {
 		entry_ref copied = tree.Ref("from/c" + std::to_string(i));
 		EXPECT_TRUE(Do(eCopy, copied, tree.Folder("copies"), listener.get()));
 		EXPECT_TRUE(Do(eMove, tree.Ref("from/m" + std::to_string(i)), tree.Folder("moved")));
 	}
+	EXPECT_TRUE(
+		WaitUntil([&] { return tree.List("copies").size() == static_cast<size_t>(count); }));
+	listener->Unlock();
 	auto isDone = [&] {
 		return listener->Count() == static_cast<size_t>(count) && find_thread("move") < 0;
 	};

@@ -19,6 +19,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 using namespace NFileXFer;
 
 namespace {
@@ -50,6 +52,13 @@ void
 AnswerNo(const char* title)
 {
 	InjectedUser(title).KeyDown(std::string(1, B_ENTER));
+}
+
+int
+CountThreads()
+{
+	const std::filesystem::directory_iterator threads("/proc/self/task");
+	return static_cast<int>(std::distance(begin(threads), end(threads)));
 }
 
 class Coloured : public BView {
@@ -122,6 +131,7 @@ TEST(MoveQuestion, ManyQuestionsHoldNoOtherTransferUpAndCountAsNoWhenClosed)
 {
 	const int count = Rounds(40, 200);
 	TempTree tree{{"from", Dir()}, {"to", Dir()}, {"copies", Dir()}};
+	const int threadsBefore = CountThreads();
 	for (int i = 0; i < count; i++) {
 		std::string name = std::to_string(i);
 		tree.Add("from/" + name, Text("new"));
@@ -140,6 +150,8 @@ TEST(MoveQuestion, ManyQuestionsHoldNoOtherTransferUpAndCountAsNoWhenClosed)
 		copied += static_cast<int>(window->Take(kMSG_CopyComplete).size());
 		return copied == count;
 	}));
+	// Those that wait have no window yet.
+	EXPECT_LT(CountThreads(), threadsBefore + count + count / 2);
 	AnswerNo("Delete File?");
 	EXPECT_TRUE(WaitUntil([] {
 		BPrivate::CloseAllAlerts(); // again: a move may ask only now
