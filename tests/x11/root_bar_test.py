@@ -102,8 +102,7 @@ class RootBar(X11Test):
         self.wait_for_text(self.folder + "/inside")
         self.drag_onto_the_field(
             self.folder + "/file", lambda: self.korva.find_window("Error"))
-        self.display.press("Return")
-        wait_until(lambda: self.korva.find_window("Error") is None, "the end of the alert")
+        wait_until(self.is_answered, "the end of the alert")
         self.focus()
         self.wait_for_text(self.folder + "/inside")
 
