@@ -109,7 +109,9 @@ Difference(ItemListWindow& it, const entry_ref& folder)
 				return std::string(rows[i]->Name()) + " instead of " + refs[i].name;
 			if (rows[i]->GetINode() != fresh.GetINode())
 				return std::string(rows[i]->Name()) + " has another inode";
-			for (int32 column = kKindColumn; column <= kCreatedColumn; column++) {
+			// Not the last one, which goes by the status' time: nobody is told when that changes
+			// because another name of the file has come or gone.
+			for (int32 column = kKindColumn; column < kCreatedColumn; column++) {
 				if (ItemListItem::CompareFiles(rows[i], &fresh, column) != 0)
 					return std::string(rows[i]->Name()) + " is old in column " +
 						std::to_string(column);
