@@ -32,18 +32,19 @@ class Text(X11Test):
         if text:
             self.display.do("xdotool", "type", "--delay", "5", text)
 
-    def keys_for(self, characters):
-        """The codes of keys that bear these characters from now on."""
+    def keys_for(self, symbols):
+        """The codes of keys that bear these characters, or keys of that name, from now on."""
         keymap = self.display.ask("setxkbmap", "-print").splitlines()
         at = next(i for i, line in enumerate(keymap) if "xkb_symbols" in line)
-        keys = " ".join(f"key <AD{i:02}> {{ type = \"ONE_LEVEL\", [ U{ord(character):04x} ] }};"
-                        for i, character in enumerate(characters, 1))
+        names = [f"U{ord(each):04x}" if len(each) == 1 else each for each in symbols]
+        keys = " ".join(f"key <AD{i:02}> {{ type = \"ONE_LEVEL\", [ {name} ] }};"
+                        for i, name in enumerate(names, 1))
         keymap[at] = keymap[at].replace("};", keys + " };")
         subprocess.run(["xkbcomp", "-w", "0", "-", self.display.name], check=True,
                        env=self.display.env, input="\n".join(keymap).encode(), timeout=PATIENCE,
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.addCleanup(self.display.do, "setxkbmap", "us")
-        return [str(23 + i) for i in range(1, len(characters) + 1)]
+        return [str(23 + i) for i in range(1, len(names) + 1)]
 
     def copied(self, selection):
         """What another program would paste now."""
@@ -93,7 +94,8 @@ class Text(X11Test):
         self.assertIsNone(self.korva.find_window("Error"))
 
     def test_dead_keys_compose(self):
-        self.display.press("dead_acute", "e", "dead_diaeresis", "o", "Multi_key", "s", "s")
+        self.display.press(*self.keys_for(
+            ["dead_acute", "e", "dead_diaeresis", "o", "Multi_key", "s", "s"]))
         self.wait_for_text("éöß")
 
     def test_commands_need_no_latin_layout(self):
