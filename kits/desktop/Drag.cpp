@@ -17,13 +17,16 @@
 #include <QGuiApplication>
 #include <QTimer>
 
+#include <algorithm>
 #include <map>
 
 namespace desktop {
 
 namespace {
 
-constexpr int kLargestSide = 600; // of the image; rows by the thousand would cover the screen
+constexpr int kLargestSide = 600; // of the image
+// Instead of more rows, which would cover the screen, and cost three times as much to move.
+constexpr int kManyRowsHeight = 100;
 constexpr Qt::DropActions kActions = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
 
 struct OwnDrag {
@@ -100,7 +103,8 @@ PixmapFor(const DragImage& image)
 {
 	if (image.picture.IsValid())
 		return QPixmap::fromImage(PictureData::ImageOf(image.picture));
-	const QSize size = QSize(image.width, image.height).boundedTo({kLargestSide, kLargestSide});
+	const int height = image.height <= kLargestSide ? image.height : kManyRowsHeight;
+	const QSize size(std::min(image.width, kLargestSide), height);
 	return size.isEmpty() ? QPixmap() : QPixmap::fromImage(Outline(size));
 }
 
