@@ -6,6 +6,7 @@
 //	bench_transfer [FOLDER]     works below FOLDER, else where temporary files are
 
 #include "bench/Figure.h"
+#include "bench/Muted.h"
 
 #include "app/Messages.h"
 #include "xfer/FileXFer.h"
@@ -62,27 +63,6 @@ Seconds(const std::function<void()>& work)
 	work();
 	return Since(start);
 }
-
-// The program's traces are not for our table.
-class Muted {
-public:
-	Muted() : fOutput(dup(STDOUT_FILENO))
-	{
-		fflush(stdout);
-		int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-		dup2(nowhere, STDOUT_FILENO);
-		close(nowhere);
-	}
-	~Muted()
-	{
-		fflush(stdout);
-		dup2(fOutput, STDOUT_FILENO);
-		close(fOutput);
-	}
-
-private:
-	int fOutput;
-};
 
 void
 MakeFile(const std::string& path, size_t size)
