@@ -22,16 +22,11 @@ bool
 IsIn(const BEntry& entry, const entry_ref& ref, const BDirectory& folder)
 {
 	BDirectory parent;
-	struct stat status;
-	if (entry.GetParent(&parent) != B_OK || folder.GetStat(&status) != B_OK)
-		return false;
 	node_ref own;
 	node_ref other;
 	own.device = ref.device;
 	own.node = ref.directory;
-	other.device = status.st_dev;
-	other.node = status.st_ino;
-	return own == other;
+	return entry.GetParent(&parent) == B_OK && folder.GetNodeRef(&other) == B_OK && own == other;
 }
 
 // Taken is also what a copy is on its way to.

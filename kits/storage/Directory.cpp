@@ -135,11 +135,8 @@ BDirectory::SetTo(const BDirectory* folder, const char* path)
 status_t
 BDirectory::Open(int base, const char* path)
 {
-	FileDescriptor descriptor;
-	if (status_t status = OpenFolderAt(base, path, &descriptor); status != B_OK)
-		return Fail(status);
 	FolderHandle folder;
-	status_t status = DirectoryTable::Instance().Add(std::move(descriptor), &folder);
+	status_t status = DirectoryTable::Instance().Open(base, path, &folder);
 	return status == B_OK ? SetTo(std::move(folder)) : Fail(status);
 }
 
@@ -414,5 +411,6 @@ BDirectory::GetLocation(Location* location) const
 		return B_NO_INIT;
 	location->folder = fFolder->Descriptor();
 	location->name = "";
+	location->node = &fFolder->Node();
 	return B_OK;
 }

@@ -30,11 +30,11 @@ OpenLimit()
 }
 
 status_t
-ReadNode(int descriptor, struct statx* status)
+ReadNode(int base, const char* path, struct statx* status)
 {
 	int result = Retry([&] {
-		return statx(descriptor, "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT,
-			STATX_TYPE | STATX_INO | STATX_BTIME | STATX_MNT_ID, status);
+		return statx(
+			base, path, AT_EMPTY_PATH, STATX_TYPE | STATX_INO | STATX_BTIME | STATX_MNT_ID, status);
 	});
 	return result == 0 ? B_OK : StatusFromErrno(errno);
 }
@@ -110,11 +110,42 @@ DirectoryTable::Find(dev_t device, ino_t node, FolderHandle* handle)
 	return B_OK;
 }
 
+// Null when it is not open, or by way of another mount only.
+FolderHandle
+DirectoryTable::FindOpen(const struct statx& status)
+{
+	std::lock_guard<std::mutex> lock(fLock);
+	auto found = fIndex.find(NodeOf(status));
+	FolderHandle open = found != fIndex.end() ? found->second->Handle() : nullptr;
+	if (open == nullptr || open->Mount() != MountOf(status))
+		return nullptr;
+	RecordList& list = found->second->handle != nullptr ? fOpen : fClosed;
+	list.splice(list.begin(), list, found->second);
+	return open;
+}
+
+status_t
+DirectoryTable::Open(int base, const std::string& path, FolderHandle* handle)
+{
+	// Most are open already, which one call shows; to open them again takes three.
+	struct statx status;
+	if (!path.empty() && ReadNode(base, path.c_str(), &status) == B_OK) {
+		if (FolderHandle open = FindOpen(status); open != nullptr) {
+			*handle = std::move(open);
+			return B_OK;
+		}
+	}
+	FileDescriptor descriptor;
+	if (status_t error = OpenFolderAt(base, path, &descriptor); error != B_OK)
+		return error;
+	return Add(std::move(descriptor), handle);
+}
+
 status_t
 DirectoryTable::Add(FileDescriptor descriptor, FolderHandle* handle)
 {
 	struct statx status;
-	if (status_t error = ReadNode(descriptor.Get(), &status); error != B_OK)
+	if (status_t error = ReadNode(descriptor.Get(), "", &status); error != B_OK)
 		return error;
 	if (!S_ISDIR(status.stx_mode))
 		return B_NOT_A_DIRECTORY;
@@ -176,7 +207,7 @@ DirectoryTable::Reopen(const Record& closed, FolderHandle* handle)
 	if (status_t error = OpenFolderAt(AT_FDCWD, closed.path, &descriptor); error != B_OK)
 		return error == B_NOT_A_DIRECTORY ? B_ENTRY_NOT_FOUND : error;
 	struct statx status;
-	if (ReadNode(descriptor.Get(), &status) != B_OK || NodeOf(status) != closed.node)
+	if (ReadNode(descriptor.Get(), "", &status) != B_OK || NodeOf(status) != closed.node)
 		return B_ENTRY_NOT_FOUND;
 	// A removed folder's inode number is soon given to a new one: the birth tells them apart.
 	if ((status.stx_mask & STATX_BTIME) != 0 &&
@@ -205,7 +236,7 @@ DirectoryTable::Close(const FolderHandle& victim)
 {
 	// Without the lock: on a slow file system a path may take its time.
 	std::string path;
-	bool exists = GetFolderPath(victim->Descriptor(), &path) == B_OK;
+	bool exists = GetFolderPath(*victim, &path) == B_OK;
 
 	std::lock_guard<std::mutex> lock(fLock);
 	auto found = fIndex.find(victim->Node());
@@ -256,7 +287,7 @@ DirectoryTable::LetGo(OpenFolder* guest)
 {
 	std::unique_ptr<OpenFolder> folder(guest);
 	std::string path;
-	if (GetFolderPath(folder->Descriptor(), &path) != B_OK)
+	if (GetFolderPath(*folder, &path) != B_OK)
 		return;
 	std::lock_guard<std::mutex> lock(fLock);
 	auto found = fIndex.find(folder->Node());

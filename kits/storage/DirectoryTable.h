@@ -35,6 +35,9 @@ public:
 	// seen or is gone from where it was.
 	status_t Find(dev_t device, ino_t node, FolderHandle* handle);
 
+	// The folder that a path leads to, made known; `base` as OpenFolderAt() takes it.
+	status_t Open(int base, const std::string& path, FolderHandle* handle);
+
 	// Takes over a descriptor of a folder and makes it known. B_NOT_A_DIRECTORY.
 	status_t Add(FileDescriptor descriptor, FolderHandle* handle);
 
@@ -60,6 +63,7 @@ private:
 	typedef std::list<Record> RecordList;
 
 	DirectoryTable();
+	FolderHandle FindOpen(const struct statx& status);
 	status_t AddKnown(FileDescriptor descriptor, const struct statx& status, FolderHandle* handle);
 	status_t Reopen(const Record& closed, FolderHandle* handle);
 	bool IsForGuests(uint64 mount) const;

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
 
 namespace BPrivate {
@@ -28,24 +29,30 @@ OpenShort(int base, const std::string& path, FileDescriptor* folder)
 	return B_OK;
 }
 
+// The numbers of what has a name in a folder, or of the folder itself for an empty name.
 bool
-IsSameNode(const struct stat& a, const struct stat& b)
-{
-	return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
-
-bool
-HasNode(int folder, const char* name, const struct stat& node)
+ReadNode(int folder, const char* name, node_ref* node)
 {
 	struct stat found;
 	errno = 0;
-	int result = Retry([&] { return fstatat(folder, name, &found, AT_SYMLINK_NOFOLLOW); });
-	return result == 0 && IsSameNode(found, node);
+	if (Retry([&] { return fstatat(folder, name, &found, AT_SYMLINK_NOFOLLOW | AT_EMPTY_PATH); }) !=
+		0)
+		return false;
+	node->device = found.st_dev;
+	node->node = found.st_ino;
+	return true;
+}
+
+bool
+HasNode(int folder, const char* name, const node_ref& node)
+{
+	node_ref found;
+	return ReadNode(folder, name, &found) && found == node;
 }
 
 // Searches a folder for the name of the folder `node` in it.
 status_t
-FindName(int parent, const struct stat& node, std::string* name)
+FindName(int parent, const node_ref& node, std::string* name)
 {
 	DirectorySnapshot snapshot;
 	if (status_t error = snapshot.Read(parent); error != B_OK)
@@ -54,7 +61,7 @@ FindName(int parent, const struct stat& node, std::string* name)
 	for (bool byNumber : {true, false}) {
 		for (size_t i = 0; i < snapshot.Count(); i++) {
 			const dirent64& entry = snapshot.At(i);
-			if ((entry.d_ino == node.st_ino) != byNumber ||
+			if ((entry.d_ino == node.node) != byNumber ||
 				(entry.d_type != DT_DIR && entry.d_type != DT_UNKNOWN))
 				continue;
 			if (HasNode(parent, entry.d_name, node)) {
@@ -66,14 +73,29 @@ FindName(int parent, const struct stat& node, std::string* name)
 	return B_ENTRY_NOT_FOUND;
 }
 
+// The folder of the links of our descriptors, kept open: to walk there costs as much as to read
+// one. A forked child has its own.
+int sLinks = -1;
+
+void
+OpenLinks()
+{
+	if (sLinks >= 0)
+		close(sLinks);
+	sLinks = open("/proc/self/fd", kFolderFlags);
+}
+
 // The kernel's text for an open folder. It fails when that is PATH_MAX or longer, or without /proc.
 bool
 ReadKernelPath(int folder, std::string* path)
 {
+	static const int sNoFork = (OpenLinks(), pthread_atfork(nullptr, nullptr, OpenLinks));
+	if (sNoFork != 0)
+		return false;
 	char link[32];
-	snprintf(link, sizeof(link), "/proc/self/fd/%d", folder);
+	snprintf(link, sizeof(link), "%d", folder);
 	char text[PATH_MAX];
-	ssize_t length = readlink(link, text, sizeof(text));
+	ssize_t length = readlinkat(sLinks, link, text, sizeof(text));
 	if (length < 0 || length == sizeof(text))
 		return false;
 	path->assign(text, length);
@@ -83,7 +105,7 @@ ReadKernelPath(int folder, std::string* path)
 // The kernel marks what was removed by a suffix that a living folder may bear as well, and gives
 // folders of a volume that was unmounted while they were open paths from that volume's own root.
 bool
-IsLivingPath(const std::string& path, const struct stat& node)
+IsLivingPath(const std::string& path, const node_ref& node)
 {
 	constexpr std::string_view kDeleted = " (deleted)";
 	if (path.empty() || path[0] != '/')
@@ -91,6 +113,41 @@ IsLivingPath(const std::string& path, const struct stat& node)
 	if (HasNode(AT_FDCWD, path.c_str(), node))
 		return true;
 	return errno == EACCES && !path.ends_with(kDeleted);
+}
+
+status_t
+PathOf(int folder, node_ref node, std::string* path)
+{
+	std::string below; // what was walked up, each name after its slash
+	FileDescriptor above;
+	for (;;) {
+		std::string text;
+		if (ReadKernelPath(folder, &text)) {
+			if (!IsLivingPath(text, node))
+				return B_ENTRY_NOT_FOUND;
+			*path = text == "/" && !below.empty() ? below : text + below;
+			return B_OK;
+		}
+
+		FileDescriptor parent;
+		if (status_t error = OpenShort(folder, "..", &parent); error != B_OK)
+			return error;
+		node_ref parentNode;
+		if (!ReadNode(parent.Get(), "", &parentNode))
+			return StatusFromErrno(errno);
+		if (parentNode == node) {
+			*path = below.empty() ? std::string(1, '/') : below;
+			return B_OK;
+		}
+		std::string name;
+		if (status_t error = FindName(parent.Get(), node, &name); error != B_OK)
+			return error;
+		name.append(below);
+		below.assign(1, '/').append(name);
+		above = std::move(parent);
+		folder = above.Get();
+		node = parentNode;
+	}
 }
 
 } // namespace
@@ -129,41 +186,16 @@ OpenFolderAt(int base, std::string_view path, FileDescriptor* folder)
 }
 
 status_t
+GetFolderPath(const OpenFolder& folder, std::string* path)
+{
+	return PathOf(folder.Descriptor(), folder.Node(), path);
+}
+
+status_t
 GetFolderPath(int folder, std::string* path)
 {
-	std::string below; // what was walked up, each name after its slash
-	FileDescriptor above;
-	struct stat node;
-	if (fstat(folder, &node) != 0)
-		return StatusFromErrno(errno);
-	for (;;) {
-		std::string text;
-		if (ReadKernelPath(folder, &text)) {
-			if (!IsLivingPath(text, node))
-				return B_ENTRY_NOT_FOUND;
-			*path = text == "/" && !below.empty() ? below : text + below;
-			return B_OK;
-		}
-
-		FileDescriptor parent;
-		if (status_t error = OpenShort(folder, "..", &parent); error != B_OK)
-			return error;
-		struct stat parentNode;
-		if (fstat(parent.Get(), &parentNode) != 0)
-			return StatusFromErrno(errno);
-		if (IsSameNode(parentNode, node)) {
-			*path = below.empty() ? std::string(1, '/') : below;
-			return B_OK;
-		}
-		std::string name;
-		if (status_t error = FindName(parent.Get(), node, &name); error != B_OK)
-			return error;
-		name.append(below);
-		below.assign(1, '/').append(name);
-		above = std::move(parent);
-		folder = above.Get();
-		node = parentNode;
-	}
+	node_ref node;
+	return ReadNode(folder, "", &node) ? PathOf(folder, node, path) : StatusFromErrno(errno);
 }
 
 status_t
@@ -176,18 +208,15 @@ GetFolderEntry(const FolderHandle& folder, FolderHandle* parent, std::string* na
 		return B_OK;
 	}
 
-	struct stat node;
 	FileDescriptor above;
-	if (fstat(folder->Descriptor(), &node) != 0)
-		return StatusFromErrno(errno);
 	if (status_t error = OpenShort(folder->Descriptor(), "..", &above); error != B_OK)
 		return error;
 
 	std::string text;
 	if (ReadKernelPath(folder->Descriptor(), &text))
 		text.erase(0, text.rfind('/') + 1);
-	if (text.empty() || !HasNode(above.Get(), text.c_str(), node)) {
-		if (status_t error = FindName(above.Get(), node, &text); error != B_OK)
+	if (text.empty() || !HasNode(above.Get(), text.c_str(), folder->Node())) {
+		if (status_t error = FindName(above.Get(), folder->Node(), &text); error != B_OK)
 			return error;
 	}
 	*name = std::move(text);
@@ -213,11 +242,8 @@ LocateEntry(int base, std::string_view path, FolderHandle* folder, std::string* 
 	if (leaf.size() >= B_FILE_NAME_LENGTH)
 		return B_NAME_TOO_LONG;
 
-	FileDescriptor descriptor;
-	if (status_t error = OpenFolderAt(base, folderPath, &descriptor); error != B_OK)
-		return error;
 	FolderHandle opened;
-	if (status_t error = table.Add(std::move(descriptor), &opened); error != B_OK)
+	if (status_t error = table.Open(base, std::string(folderPath), &opened); error != B_OK)
 		return error;
 	if (leaf.empty())
 		return GetFolderEntry(opened, folder, name);

@@ -18,6 +18,7 @@ bool IsLeafName(const char* name);
 status_t OpenFolderAt(int base, std::string_view path, FileDescriptor* folder);
 
 // The folder's absolute path as it is now. B_ENTRY_NOT_FOUND when the folder is removed.
+status_t GetFolderPath(const OpenFolder& folder, std::string* path);
 status_t GetFolderPath(int folder, std::string* path);
 
 // The folder as an entry of its parent. The root folder is "/" in itself.

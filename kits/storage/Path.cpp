@@ -82,7 +82,7 @@ BPath::SetTo(const BDirectory* folder, const char* leaf, bool normalize)
 	if (folder == nullptr || folder->InitCheck() != B_OK || (leaf != nullptr && leaf[0] == '/'))
 		return Fail(B_BAD_VALUE);
 	std::string text;
-	if (status_t status = GetFolderPath(folder->fFolder->Descriptor(), &text); status != B_OK)
+	if (status_t status = GetFolderPath(*folder->fFolder, &text); status != B_OK)
 		return Fail(status);
 	if (leaf != nullptr)
 		AppendName(&text, leaf);
@@ -97,7 +97,7 @@ BPath::SetTo(const BEntry* entry)
 	if (entry->InitCheck() != B_OK)
 		return Fail(entry->InitCheck());
 	std::string text;
-	if (status_t status = GetFolderPath(entry->fFolder->Descriptor(), &text); status != B_OK)
+	if (status_t status = GetFolderPath(*entry->fFolder, &text); status != B_OK)
 		return Fail(status);
 	if (IsLeafName(entry->fRef.name))
 		AppendName(&text, entry->fRef.name);
@@ -120,7 +120,7 @@ BPath::SetText(std::string text, bool normalize)
 		std::string name;
 		status_t status = LocateEntry(AT_FDCWD, text, &folder, &name);
 		if (status == B_OK)
-			status = GetFolderPath(folder->Descriptor(), &text);
+			status = GetFolderPath(*folder, &text);
 		if (status != B_OK)
 			return Fail(status);
 		if (IsLeafName(name.c_str()))

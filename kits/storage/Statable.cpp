@@ -114,15 +114,21 @@ BStatable::IsSymLink() const
 status_t
 BStatable::GetNodeRef(node_ref* ref) const
 {
-	struct stat status;
+	Location where;
 	if (ref == nullptr)
 		return B_BAD_VALUE;
+	if (status_t error = GetLocation(&where); error != B_OK)
+		return error;
+	if (where.node != nullptr) {
+		*ref = *where.node;
+		return B_OK;
+	}
+	struct stat status;
 	if (status_t error = GetStat(&status); error != B_OK)
 		return error;
 
-	Location where;
 	BPrivate::FolderHandle handle;
-	if (S_ISDIR(status.st_mode) && GetLocation(&where) == B_OK) {
+	if (S_ISDIR(status.st_mode)) {
 		const char* name = where.name[0] == '\0' ? "." : where.name;
 		BPrivate::FileDescriptor folder(Retry([&] {
 			return openat(where.folder, name, O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);

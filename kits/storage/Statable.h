@@ -35,7 +35,8 @@ public:
 protected:
 	struct Location {
 		int folder = -1;
-		const char* name = ""; // below the folder; "" is the folder itself
+		const char* name = "";          // below the folder; "" is the folder itself
+		const node_ref* node = nullptr; // set for a folder that is known already
 	};
 
 	// Where the object is; what it points to is good until the object changes. B_NO_INIT.

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 
 #include <storage/Entry.h>
+#include <storage/FolderPath.h>
 #include <storage/Path.h>
 
+#include "tests/support/Processes.h"
 #include "tests/support/TempTree.h"
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace {
@@ -102,6 +105,22 @@ TEST(Path, JoinsALeaf)
 	EXPECT_EQ(path.Append("/etc"), B_BAD_VALUE);
 	EXPECT_EQ(path.Path(), nullptr);
 	EXPECT_EQ(path.Append("etc"), B_NO_INIT);
+}
+
+TEST(FolderPath, IsOfTheOwnProcessAfterAFork)
+{
+	TempTree tree{{"a", Dir()}, {"b", Dir()}};
+	BPrivate::FileDescriptor folder;
+	std::string path;
+	ASSERT_EQ(BPrivate::OpenFolderAt(AT_FDCWD, tree.Path("a"), &folder), B_OK);
+	ASSERT_EQ(BPrivate::GetFolderPath(folder.Get(), &path), B_OK);
+	EXPECT_EQ(path, tree.Path("a"));
+	EXPECT_TRUE(InProcesses({[&] {
+		BPrivate::FileDescriptor other;
+		return BPrivate::OpenFolderAt(AT_FDCWD, tree.Path("b"), &other) == B_OK &&
+			dup2(other.Get(), folder.Get()) == folder.Get() &&
+			BPrivate::GetFolderPath(folder.Get(), &path) == B_OK && path == tree.Path("b");
+	}}));
 }
 
 TEST(GetRefForPath, TellsWhatIsWrong)

@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -108,6 +109,22 @@ TEST(Volume, ComesAndGoesWithItsMount)
 	ASSERT_TRUE(disk.Unmount());
 	EXPECT_EQ(fs_stat_dev(root.st_dev, &info), B_BAD_VALUE);
 	EXPECT_EQ(volume.GetRootDirectory(&folder), B_BAD_VALUE);
+}
+
+TEST(Folder, IsWhereItWasReachedLast)
+{
+	if (!InMountNamespace())
+		return;
+	TempTree tree{{"disk/a", Dir()}, {"again", Dir()}};
+	BDirectory held(tree.Path("disk/a").c_str());
+	ASSERT_EQ(
+		mount(tree.Path("disk").c_str(), tree.Path("again").c_str(), "", MS_BIND, nullptr), 0);
+	for (const char* path : {"again/a", "disk/a"}) {
+		BDirectory folder(tree.Path(path).c_str());
+		EXPECT_EQ(BPath(&folder), tree.Path(path).c_str());
+	}
+	EXPECT_EQ(BPath(&held), tree.Path("disk/a").c_str());
+	umount2(tree.Path("again").c_str(), MNT_DETACH);
 }
 
 TEST(Unmounting, IsHinderedByNothingUnused)
