@@ -17,6 +17,7 @@
 #include <storage/Entry.h>
 #include <storage/Path.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
@@ -90,7 +91,6 @@ MeasureLargeFile(const std::string& folder)
 	BPath target(to.c_str());
 	std::vector<double> ours;
 	std::vector<double> theirs;
-	std::vector<double> ratios;
 	auto copy = [&](bool isOurs) {
 		// Neither pays for what the other has left to the disk.
 		unlink(to.c_str());
@@ -103,14 +103,16 @@ MeasureLargeFile(const std::string& folder)
 	for (int run = 0; run < kLargeRuns; run++) {
 		copy(run % 2 == 0); // each of them is the first one as often
 		copy(run % 2 != 0);
-		ratios.push_back(ours.back() / theirs.back());
 	}
 	Check(std::filesystem::file_size(to) == kLarge, "copy");
 	unlink(from.c_str());
 	unlink(to.c_str());
+	// The fastest of each: a machine that has to fetch the memory first takes seconds for that.
+	const double our = *std::min_element(ours.begin(), ours.end());
+	const double their = *std::min_element(theirs.begin(), theirs.end());
 	char beside[64];
-	snprintf(beside, sizeof(beside), "%.2f s; cp %.2f", Median(ours), Median(theirs));
-	return PrintFigure("1 GiB by CopyFile", Median(ratios), "x", Bound::kAtMost, 1.5, beside);
+	snprintf(beside, sizeof(beside), "%.2f s; cp %.2f", our, their);
+	return PrintFigure("1 GiB by CopyFile", our / their, "x", Bound::kAtMost, 1.5, beside);
 }
 
 // Copies a whole folder by one call for each file, as after a drop of all of them.

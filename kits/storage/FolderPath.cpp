@@ -5,12 +5,12 @@
 #include <storage/DirectorySnapshot.h>
 #include <storage/DirectoryTable.h>
 
+#include <kernel/OS.h>
+
 #include <climits>
-#include <cstdio>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <pthread.h>
 #include <sys/stat.h>
 
 namespace BPrivate {
@@ -18,6 +18,19 @@ namespace BPrivate {
 namespace {
 
 constexpr int kFolderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+constexpr bigtime_t kMoment = 10000;
+
+// The last path that a thread was given. For a moment it need not be read again as long as it
+// leads to the folder: thousands of copies may be asked for in one go, and to read it is the
+// longest part of that.
+struct RecentPath {
+	node_ref node;
+	uint64 mount = 0;
+	std::string path;
+	bigtime_t end = 0;
+};
+
+thread_local RecentPath sRecent;
 
 status_t
 OpenShort(int base, const std::string& path, FileDescriptor* folder)
@@ -73,29 +86,13 @@ FindName(int parent, const node_ref& node, std::string* name)
 	return B_ENTRY_NOT_FOUND;
 }
 
-// The folder of the links of our descriptors, kept open: to walk there costs as much as to read
-// one. A forked child has its own.
-int sLinks = -1;
-
-void
-OpenLinks()
-{
-	if (sLinks >= 0)
-		close(sLinks);
-	sLinks = open("/proc/self/fd", kFolderFlags);
-}
-
 // The kernel's text for an open folder. It fails when that is PATH_MAX or longer, or without /proc.
 bool
 ReadKernelPath(int folder, std::string* path)
 {
-	static const int sNoFork = (OpenLinks(), pthread_atfork(nullptr, nullptr, OpenLinks));
-	if (sNoFork != 0)
-		return false;
-	char link[32];
-	snprintf(link, sizeof(link), "%d", folder);
+	const std::string link = "/proc/self/fd/" + std::to_string(folder);
 	char text[PATH_MAX];
-	ssize_t length = readlinkat(sLinks, link, text, sizeof(text));
+	ssize_t length = readlink(link.c_str(), text, sizeof(text));
 	if (length < 0 || length == sizeof(text))
 		return false;
 	path->assign(text, length);
@@ -125,7 +122,9 @@ PathOf(int folder, node_ref node, std::string* path)
 		if (ReadKernelPath(folder, &text)) {
 			if (!IsLivingPath(text, node))
 				return B_ENTRY_NOT_FOUND;
-			*path = text == "/" && !below.empty() ? below : text + below;
+			if (text == "/" && !below.empty())
+				text.clear();
+			*path = std::move(text.append(below));
 			return B_OK;
 		}
 
@@ -188,7 +187,16 @@ OpenFolderAt(int base, std::string_view path, FileDescriptor* folder)
 status_t
 GetFolderPath(const OpenFolder& folder, std::string* path)
 {
-	return PathOf(folder.Descriptor(), folder.Node(), path);
+	RecentPath& recent = sRecent;
+	if (recent.mount == folder.Mount() && recent.node == folder.Node() &&
+		system_time() < recent.end && HasNode(AT_FDCWD, recent.path.c_str(), recent.node)) {
+		*path = recent.path;
+		return B_OK;
+	}
+	status_t status = PathOf(folder.Descriptor(), folder.Node(), path);
+	if (status == B_OK)
+		recent = {folder.Node(), folder.Mount(), *path, system_time() + kMoment};
+	return status;
 }
 
 status_t
