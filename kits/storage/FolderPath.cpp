@@ -22,15 +22,15 @@ constexpr bigtime_t kMoment = 10000;
 
 // The last path that a thread was given. For a moment it need not be read again as long as it
 // leads to the folder: thousands of copies may be asked for in one go, and to read it is the
-// longest part of that.
+// longest part of that. Without a destructor: folders are let go while a thread ends as well.
 struct RecentPath {
 	node_ref node;
-	uint64 mount = 0;
-	std::string path;
-	bigtime_t end = 0;
+	uint64 mount;
+	bigtime_t end;
+	char path[1024]; // longer ones are read each time
 };
 
-thread_local RecentPath sRecent;
+thread_local RecentPath sRecent = {};
 
 status_t
 OpenShort(int base, const std::string& path, FileDescriptor* folder)
@@ -189,13 +189,17 @@ GetFolderPath(const OpenFolder& folder, std::string* path)
 {
 	RecentPath& recent = sRecent;
 	if (recent.mount == folder.Mount() && recent.node == folder.Node() &&
-		system_time() < recent.end && HasNode(AT_FDCWD, recent.path.c_str(), recent.node)) {
+		system_time() < recent.end && HasNode(AT_FDCWD, recent.path, recent.node)) {
 		*path = recent.path;
 		return B_OK;
 	}
 	status_t status = PathOf(folder.Descriptor(), folder.Node(), path);
-	if (status == B_OK)
-		recent = {folder.Node(), folder.Mount(), *path, system_time() + kMoment};
+	if (status == B_OK && path->size() < sizeof(recent.path)) {
+		recent.node = folder.Node();
+		recent.mount = folder.Mount();
+		recent.end = system_time() + kMoment;
+		strcpy(recent.path, path->c_str());
+	}
 	return status;
 }
 
