@@ -114,9 +114,11 @@ DirectoryTable::Find(dev_t device, ino_t node, FolderHandle* handle)
 FolderHandle
 DirectoryTable::FindOpen(const struct statx& status)
 {
+	FolderHandle open; // released after the lock
 	std::lock_guard<std::mutex> lock(fLock);
 	auto found = fIndex.find(NodeOf(status));
-	FolderHandle open = found != fIndex.end() ? found->second->Handle() : nullptr;
+	if (found != fIndex.end())
+		open = found->second->Handle();
 	if (open == nullptr || open->Mount() != MountOf(status))
 		return nullptr;
 	RecordList& list = found->second->handle != nullptr ? fOpen : fClosed;
@@ -129,7 +131,8 @@ DirectoryTable::Open(int base, const std::string& path, FolderHandle* handle)
 {
 	// Most are open already, which one call shows; to open them again takes three.
 	struct statx status;
-	if (!path.empty() && ReadNode(base, path.c_str(), &status) == B_OK) {
+	if (!path.empty() && ReadNode(base, path.c_str(), &status) == B_OK &&
+		S_ISDIR(status.stx_mode)) {
 		if (FolderHandle open = FindOpen(status); open != nullptr) {
 			*handle = std::move(open);
 			return B_OK;
@@ -187,7 +190,7 @@ DirectoryTable::AddKnown(
 				(status.stx_mask & STATX_BTIME) != 0 ? status.stx_btime : statx_timestamp{};
 			record->handle = isGuest ? nullptr : opened;
 			record->guest = isGuest ? opened : nullptr;
-			known = opened;
+			known.swap(opened);
 		}
 		RecordList& to = record->handle != nullptr ? fOpen : fClosed;
 		to.splice(to.begin(), from, record);
@@ -236,7 +239,7 @@ DirectoryTable::Close(const FolderHandle& victim)
 {
 	// Without the lock: on a slow file system a path may take its time.
 	std::string path;
-	bool exists = GetFolderPath(*victim, &path) == B_OK;
+	bool exists = GetFolderPath(victim->Descriptor(), &path) == B_OK;
 
 	std::lock_guard<std::mutex> lock(fLock);
 	auto found = fIndex.find(victim->Node());
@@ -287,7 +290,7 @@ DirectoryTable::LetGo(OpenFolder* guest)
 {
 	std::unique_ptr<OpenFolder> folder(guest);
 	std::string path;
-	if (GetFolderPath(*folder, &path) != B_OK)
+	if (GetFolderPath(folder->Descriptor(), &path) != B_OK)
 		return;
 	std::lock_guard<std::mutex> lock(fLock);
 	auto found = fIndex.find(folder->Node());

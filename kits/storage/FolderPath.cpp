@@ -30,7 +30,7 @@ struct RecentPath {
 	char path[1024]; // longer ones are read each time
 };
 
-thread_local RecentPath sRecent = {};
+thread_local RecentPath tRecent = {};
 
 status_t
 OpenShort(int base, const std::string& path, FileDescriptor* folder)
@@ -187,7 +187,7 @@ OpenFolderAt(int base, std::string_view path, FileDescriptor* folder)
 status_t
 GetFolderPath(const OpenFolder& folder, std::string* path)
 {
-	RecentPath& recent = sRecent;
+	RecentPath& recent = tRecent;
 	if (recent.mount == folder.Mount() && recent.node == folder.Node() &&
 		system_time() < recent.end && HasNode(AT_FDCWD, recent.path, recent.node)) {
 		*path = recent.path;

@@ -18,8 +18,10 @@ bool IsLeafName(const char* name);
 status_t OpenFolderAt(int base, std::string_view path, FileDescriptor* folder);
 
 // The folder's absolute path as it is now. B_ENTRY_NOT_FOUND when the folder is removed.
-status_t GetFolderPath(const OpenFolder& folder, std::string* path);
 status_t GetFolderPath(int folder, std::string* path);
+
+// The same, but up to 10 ms old as long as it leads there: for what is not kept.
+status_t GetFolderPath(const OpenFolder& folder, std::string* path);
 
 // The folder as an entry of its parent. The root folder is "/" in itself.
 status_t GetFolderEntry(const FolderHandle& folder, FolderHandle* parent, std::string* name);

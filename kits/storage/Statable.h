@@ -36,7 +36,7 @@ protected:
 	struct Location {
 		int folder = -1;
 		const char* name = "";          // below the folder; "" is the folder itself
-		const node_ref* node = nullptr; // set for a folder that is known already
+		const node_ref* node = nullptr; // set for a folder that is open
 	};
 
 	// Where the object is; what it points to is good until the object changes. B_NO_INIT.

@@ -44,7 +44,7 @@ status_t
 NewRecord(const NamedEntry& entry, std::string* text)
 {
 	std::string path;
-	if (status_t status = GetFolderPath(*entry.folder, &path); status != B_OK)
+	if (status_t status = GetFolderPath(entry.folder->Descriptor(), &path); status != B_OK)
 		return status;
 	if (path.back() != '/')
 		path += '/';

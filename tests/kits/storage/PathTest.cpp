@@ -4,6 +4,7 @@
 #include <storage/Path.h>
 
 #include "tests/support/TempTree.h"
+#include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -115,8 +116,8 @@ TEST(Path, FollowsAFolderThatLeftALinkBehind)
 	EXPECT_EQ(BPath(&folder), tree.Path("old/a").c_str());
 	tree.Rename("old", "new");
 	tree.Add("old", Link("new"));
-	usleep(20000); // for a moment the old path is good enough
-	EXPECT_EQ(BPath(&folder), tree.Path("new/a").c_str());
+	// For a moment the old path is good enough.
+	EXPECT_TRUE(WaitUntil([&] { return BPath(&folder) == tree.Path("new/a").c_str(); }));
 }
 
 TEST(GetRefForPath, TellsWhatIsWrong)
