@@ -130,10 +130,13 @@ protected:
 		const BPoint from = Place(name);
 		user.Move(from.x, from.y);
 		user.Press(from.x, from.y, button);
-		// Whoever holds a secondary button still means the menu. Nothing may wait for the window:
-		// with a menu open it answers nobody.
+		// Whoever holds a secondary button still means the menu, and who looks every 50 ms may see
+		// the same of two places each time. Nothing may wait for the window: with a menu open it
+		// answers nobody.
+		float place = 5;
 		EXPECT_TRUE(WaitUntil([&] {
-			drop = BPoint(dir.left + (drop.x > dir.left + 5 ? 5.0f : 10.0f), dir.top + 5);
+			place = place < 17 ? place + 2 : 5;
+			drop = BPoint(dir.left + place, dir.top + 5);
 			for (int i = 1; i < 6; i++)
 				user.Move(from.x + static_cast<float>(i), from.y);
 			user.Move(drop.x, drop.y);
