@@ -46,10 +46,10 @@ OpenShort(int base, const std::string& path, FileDescriptor* folder)
 bool
 ReadNode(int folder, const char* name, node_ref* node)
 {
+	constexpr int kFlags = AT_SYMLINK_NOFOLLOW | AT_EMPTY_PATH;
 	struct stat found;
 	errno = 0;
-	if (Retry([&] { return fstatat(folder, name, &found, AT_SYMLINK_NOFOLLOW | AT_EMPTY_PATH); }) !=
-		0)
+	if (Retry([&] { return fstatat(folder, name, &found, kFlags); }) != 0)
 		return false;
 	node->device = found.st_dev;
 	node->node = found.st_ino;

@@ -120,7 +120,7 @@ BPath::SetText(std::string text, bool normalize)
 		std::string name;
 		status_t status = LocateEntry(AT_FDCWD, text, &folder, &name);
 		if (status == B_OK)
-			status = GetFolderPath(*folder, &text);
+			status = GetFolderPath(folder->Descriptor(), &text); // no link is left in it
 		if (status != B_OK)
 			return Fail(status);
 		if (IsLeafName(name.c_str()))
